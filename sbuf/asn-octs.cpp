@@ -1,0 +1,85 @@
+// OCTET STRING (X.690 8.7).
+#include <cstring>
+#include "sbuf/failure.h"
+#include "sbuf/state.h"
+#include "sbuf/str-stk.h"
+#include "zyn/asn.h"
+#include "zyn/codes.h"
+
+namespace {
+
+constexpr AsnTag primitiveTag = 0x04000000;
+constexpr AsnTag constructedTag = 0x24000000;
+constexpr AsnTag constructedBit = 0x20000000;
+
+constexpr zyn::ComponentRules components = {
+    .primitive = primitiveTag,
+    .nested = constructedTag,
+    .countsUnusedBits = false,
+    .wrongTagCode = ZYN_E_OCTS_COMPONENT_TAG,
+    .wrongTag = "BDecConsOctetString: ERROR - decoded non-OCTET STRING tag inside a constructed OCTET STRING\n",
+    .cutCode = ZYN_E_OCTS_COMPONENT_CUT,
+    .cut = "BDecConsOctetString: ERROR - attempt to decode past end of data\n",
+};
+
+// Room for the octets and the 0 byte that follows them, so that text can be used as a terminated string.
+uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
+    auto* octs = length < UINT32_MAX ? static_cast<uint8_t*>(NibbleAlloc(length + 1)) : nullptr;
+    if (!octs) zyn::raise(env, ZYN_E_NO_MEMORY, nullptr);
+    octs[length] = 0;
+    return octs;
+}
+
+void decodeConstructed(SBuf* b, AsnLen len, AsnOcts* result, AsnLen* bytesDecoded, jmp_buf env) {
+    zyn::gatherPieces(b, len, components, bytesDecoded, env);
+    result->octetLen = zyn::currentStrStk().totalByteLen;
+    result->octs = allocateOctets(result->octetLen, env);
+    zyn::copyPieces(result->octs);
+}
+
+} // namespace
+
+AsnLen BEncAsnOctsContent(SBuf* b, AsnOcts* o) {
+    if (!o->octs && o->octetLen > 0) {
+        b->writeError = 1; // octets are promised and none are there
+        return 0;
+    }
+    SBufPushSeg(b, o->octs, o->octetLen);
+    return o->octetLen;
+}
+
+AsnLen BEncAsnOcts(SBuf* b, AsnOcts* data) {
+    AsnLen length = BEncAsnOctsContent(b, data);
+    length += BEncDefLen(b, length);
+    SBufPushByte(b, 0x04);
+    return length + 1;
+}
+
+void BDecAsnOctsContent(SBuf* b, AsnTag tagId, AsnLen len, AsnOcts* result, AsnLen* bytesDecoded, jmp_buf env) {
+    if (tagId & constructedBit) return decodeConstructed(b, len, result, bytesDecoded, env);
+    result->octetLen = len;
+    // What is not there is neither allocated nor copied.
+    if (size_t(b->dataEnd - b->readLoc) < len) {
+        b->readLoc = b->dataEnd;
+        b->readError = 1;
+    }
+    if (b->readError) zyn::raise(env, ZYN_E_OCTS_CUT, "BDecOctetString: ERROR - decoded past end of data\n");
+    result->octs = allocateOctets(len, env);
+    SBufCopySeg(b, result->octs, len);
+    *bytesDecoded += len;
+}
+
+void BDecAsnOcts(SBuf* b, AsnOcts* result, AsnLen* bytesDecoded, jmp_buf env) {
+    const AsnTag tag = BDecTag(b, bytesDecoded, env);
+    if (tag != primitiveTag && tag != constructedTag) {
+        zyn::raise(env, ZYN_E_WRONG_TAG, "BDecAsnOcts: ERROR - wrong tag on OCTET STRING.\n");
+    }
+    const AsnLen len = BDecLen(b, bytesDecoded, env);
+    BDecAsnOctsContent(b, tag, len, result, bytesDecoded, env);
+}
+
+void FreeAsnOcts(AsnOcts*) {}
+
+int AsnOctsEquiv(AsnOcts* o1, AsnOcts* o2) {
+    return o1->octetLen == o2->octetLen && (o1->octetLen == 0 || std::memcmp(o1->octs, o2->octs, o1->octetLen) == 0);
+}

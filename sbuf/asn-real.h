@@ -1,0 +1,46 @@
+// The bit work of REAL (X.690 8.5): what frexp and pow would give, without them.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+namespace zyn {
+
+static_assert(std::numeric_limits<double>::is_iec559, "an AsnReal is an IEEE 754 double");
+
+inline constexpr int significandBits = 52; // stored ones
+inline constexpr int exponentBias = 1023;
+
+// 2 to the power of e as a double: 0 below the smallest one, infinite above the largest.
+inline double powerOfTwo(int64_t e) {
+    if (e >= 1 - exponentBias && e <= exponentBias) [[likely]] {
+        return std::bit_cast<double>(static_cast<uint64_t>(e + exponentBias) << significandBits);
+    }
+    if (e > exponentBias) return std::numeric_limits<double>::infinity();
+    const int64_t smallest = 1 - exponentBias - significandBits;
+    return e < smallest ? 0.0 : std::bit_cast<double>(uint64_t{1} << (e - smallest));
+}
+
+// A finite value other than 0 without its sign: octets whole octets of mantissa, left-justified, the first one at least
+// 0x80 and the last one not 0; read as an integer they make the value with exponent.
+struct RealParts {
+    uint64_t mantissa;
+    unsigned octets;
+    int32_t exponent;
+};
+
+inline RealParts splitReal(double value) {
+    const uint64_t bits = std::bit_cast<uint64_t>(value);
+    const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
+    uint64_t significand = bits & ((uint64_t{1} << significandBits) - 1);
+    if (stored != 0) significand |= uint64_t{1} << significandBits;
+    // The value is the significand times 2 to the power of this; subnormal ones share the smallest normal exponent.
+    const int32_t power = (stored != 0 ? stored : 1) - exponentBias - significandBits;
+    const int shift = std::countl_zero(significand);
+    const uint64_t mantissa = significand << shift;
+    const unsigned octets = 8 - static_cast<unsigned>(std::countr_zero(mantissa)) / 8;
+    return {mantissa, octets, power - shift + 64 - 8 * static_cast<int32_t>(octets)};
+}
+
+} // namespace zyn
