@@ -1,0 +1,209 @@
+// The rules by which every record is decoded.
+//
+// Reading goes forwards, an element at a time, holding one tag that has been read and not yet used. Each function keeps a
+// count of the octets that it consumed and adds it to its caller's when it is done; a record under a definite length
+// is checked by that count alone. A failure leaves all functions at once by a jump to env, so none of them may hold an
+// object with a destructor. The end of the data is the run-time's business: every tag, length and value read is bounded.
+#include "records/exact.h"
+#include "records/members.h"
+#include "records/tables.h"
+#include "sbuf/asn-len.h"
+#include "sbuf/failure.h"
+#include "zyn/codes.h"
+
+namespace zyn {
+namespace {
+
+// What one decode passes on unchanged from function to function.
+struct Decoder {
+    SBuf* b;
+    std::remove_extent_t<jmp_buf>* env;
+};
+
+void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded);
+
+void* allocate(Decoder& d, uint32_t size) {
+    void* memory = NibbleAlloc(size);
+    if (!memory) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
+    return memory;
+}
+
+// Memory for a value that a member points to; a list starts out made for elements of one pointer each.
+void* allocateValue(Decoder& d, const Type& type) {
+    if (type.shape != Shape::SetOf) return allocate(d, type.size);
+    AsnList* list = AsnListNew(sizeof(void*));
+    if (!list) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
+    return list;
+}
+
+// The number is taken out of the tag only to find the row; what counts is that the whole tag is the row's.
+const Alternative* alternativeByTag(const Type& type, AsnTag tag) {
+    uint32_t number = tag >> 24 & 0x1F;
+    if (number == 0x1F) {
+        number = tag >> 16 & 0x7F;
+        if (tagOctets(tag) == 3) number = number << 7 | (tag >> 8 & 0x7F);
+    }
+    const Alternative* alternative = alternativeOf(type, number);
+    if (!alternative) return nullptr;
+    const bool constructedString = alternative->kind == Kind::Octs && tag == (alternative->tag | constructedBit);
+    return tag == alternative->tag || constructedString ? alternative : nullptr;
+}
+
+bool accepts(const Field& field, AsnTag tag) {
+    if (field.kind == Kind::Choice) return alternativeByTag(typeOf(field.type), tag) != nullptr;
+    return tag == field.tag || (isString(field.kind) && tag == (field.tag | constructedBit));
+}
+
+void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
+    switch (kind) {
+    case Kind::Int: return BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), count, d.env);
+    case Kind::Bool: return BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), count, d.env);
+    case Kind::Real: return BDecAsnRealContent(d.b, tag, length, static_cast<AsnReal*>(value), count, d.env);
+    case Kind::Octs: return BDecAsnOctsContent(d.b, tag, length, static_cast<AsnOcts*>(value), count, d.env);
+    case Kind::Bits: return BDecAsnBitsContent(d.b, tag, length, static_cast<AsnBits*>(value), count, d.env);
+    default: return decodeType(d, typeOf(type), tag, length, value, count);
+    }
+}
+
+void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
+    const Field& field = type.fields[index];
+    AsnLen length = BDecLen(d.b, count, d.env);
+    const AsnLen outerLength = length;
+    if (field.wrapped) {
+        tag = BDecTag(d.b, count, d.env);
+        if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
+        length = BDecLen(d.b, count, d.env);
+    }
+    void* value = memberOf(record, field);
+    if (field.pointer) {
+        void* allocated = allocateValue(d, typeOf(field.type));
+        std::memcpy(value, &allocated, sizeof allocated);
+        value = allocated;
+    }
+    decodeValue(d, field.kind, field.type, tag, length, value, count);
+    // A wrapper of definite length is not compared with what it held.
+    if (field.wrapped && outerLength == IndefiniteLen) BDecEoc(d.b, count, d.env);
+}
+
+// A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
+// (X.690 8.1.5), whose second octet has then been read as well. Elsewhere 0 is a tag like any other.
+bool atEndOfContents(Decoder& d, AsnTag tag, AsnLen length, AsnLen* count) {
+    if (tag != 0 || length != IndefiniteLen) return false;
+    eocSecondOctet(d.b, count, d.env);
+    return true;
+}
+
+// The fields in table order. A tag that an OPTIONAL field does not accept is held for the next field; there is no way
+// back and no skipping of what is unknown. The end of the record is looked for only where it may stand: behind a field
+// that only OPTIONAL ones follow.
+void decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record, AsnLen* bytesDecoded) {
+    AsnLen count = 0;
+    const std::size_t fields = type.fields.size();
+    if (fields == 0) {
+        if (length == IndefiniteLen) BDecEoc(d.b, &count, d.env);
+        else if (length != 0) raise(d.env, siteCode(type, Site::Only), "Expected an empty SEQUENCE\n");
+        *bytesDecoded += count;
+        return;
+    }
+    if (type.tail == 0 && length == 0) return;
+    AsnTag tag = BDecTag(d.b, &count, d.env);
+    if (type.tail == 0 && atEndOfContents(d, tag, length, &count)) {
+        *bytesDecoded += count;
+        return;
+    }
+    for (std::size_t i = 0; i < fields; ++i) {
+        const Field& field = type.fields[i];
+        if (!accepts(field, tag)) {
+            if (!field.optional) raise(d.env, siteCode(type, Site::FieldTag, i), nullptr);
+            continue;
+        }
+        decodeField(d, type, i, tag, record, &count);
+        const bool last = i + 1 == fields;
+        const bool mayEnd = i + 1 >= type.tail;
+        bool ended = false;
+        if (last) {
+            if (length == IndefiniteLen) BDecEoc(d.b, &count, d.env);
+            else if (count != length) raise(d.env, siteCode(type, Site::Length), nullptr);
+            ended = true;
+        } else if (mayEnd && length != IndefiniteLen && count == length) {
+            ended = true;
+        } else {
+            tag = BDecTag(d.b, &count, d.env);
+            ended = mayEnd && atEndOfContents(d, tag, length, &count);
+        }
+        if (ended) {
+            *bytesDecoded += count;
+            return;
+        }
+    }
+    raise(d.env, siteCode(type, Site::Stray), nullptr);
+}
+
+void decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {
+    const Type& element = typeOf(type.element);
+    AsnLen count = 0;
+    while (length == IndefiniteLen || count < length) {
+        const AsnTag tag = BDecTag(d.b, &count, d.env);
+        if (atEndOfContents(d, tag, length, &count)) break;
+        if (tag != sequenceTag) raise(d.env, siteCode(type, Site::Only), "Unexpected Tag\n");
+        const AsnLen elementLength = BDecLen(d.b, &count, d.env);
+        void* node = AsnListAppend(list);
+        if (!node) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
+        void* value = allocate(d, element.size);
+        std::memcpy(node, &value, sizeof value);
+        decodeType(d, element, tag, elementLength, value, &count);
+    }
+    *bytesDecoded += count;
+}
+
+void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice, AsnLen* bytesDecoded) {
+    const Alternative* alternative = alternativeByTag(type, tag);
+    if (!alternative) raise(d.env, siteCode(type, Site::Only), "ERROR - unexpected tag in CHOICE\n");
+    AsnLen count = 0;
+    choice->choiceId = alternative->number;
+    if (alternative->kind == Kind::Int) {
+        decodeValue(d, Kind::Int, alternative->type, tag, length, &choice->number, &count);
+    } else {
+        void* value = allocate(d, typeOf(alternative->type).size);
+        choice->slot = value;
+        if (alternative->kind == Kind::Choice) {
+            // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an
+            // indefinite length; a definite one is not compared with anything.
+            const AsnTag innerTag = BDecTag(d.b, &count, d.env);
+            const AsnLen innerLength = BDecLen(d.b, &count, d.env);
+            decodeType(d, typeOf(alternative->type), innerTag, innerLength, value, &count);
+            if (length == IndefiniteLen) BDecEoc(d.b, &count, d.env);
+        } else {
+            decodeValue(d, alternative->kind, alternative->type, tag, length, value, &count);
+        }
+    }
+    *bytesDecoded += count;
+}
+
+void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded) {
+    switch (type.shape) {
+    case Shape::Sequence: return decodeSequence(d, type, length, value, bytesDecoded);
+    case Shape::SetOf: return decodeSetOf(d, type, length, static_cast<AsnList*>(value), bytesDecoded);
+    default: return decodeChoice(d, type, tag, length, static_cast<ChoiceRecord*>(value), bytesDecoded);
+    }
+}
+
+} // namespace
+
+void decodeContent(SBuf* b, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded, jmp_buf env) {
+    Decoder d{b, env};
+    decodeType(d, typeOf(type), tag, length, value, bytesDecoded);
+}
+
+void decodeMessage(SBuf* b, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
+    const Type& type = typeOf(id);
+    const AsnTag tag = BDecTag(b, bytesDecoded, env);
+    if (type.shape == Shape::Sequence && tag != sequenceTag) {
+        raise(env, siteCode(type, Site::OuterTag),
+              id == TypeId::ZynTransReq ? "BDecZynTransReq: ERROR - wrong tag\n" : "BDecZynQueryReq: ERROR - wrong tag\n");
+    }
+    const AsnLen length = BDecLen(b, bytesDecoded, env);
+    decodeContent(b, id, tag, length, value, bytesDecoded, env);
+}
+
+} // namespace zyn

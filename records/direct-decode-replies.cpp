@@ -1,0 +1,8 @@
+// The direct way to decode the replies of the query channel: a unit of its own, so that no compiler process grows large.
+#include "records/direct-decode.h"
+
+namespace zyn::direct {
+
+template bool decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
+
+} // namespace zyn::direct

@@ -1,0 +1,258 @@
+// The templates behind direct::encode. What they take and give is told in direct.h; the rules are those of encode.cpp.
+//
+// A pointer moves down from the end of the caller's block; all functions get it and give it back, null: gave up. What lies
+// from it on upwards is finished, what lies below it is room. Room for several fields of fixed size is proved at once,
+// together with slack for one wide store, which may touch room below what it writes, but no octet outside the block.
+#pragma once
+
+#include <bit>
+#include <utility>
+
+#include "records/direct.h"
+#include "records/members.h"
+#include "records/octets.h"
+#include "records/tables.h"
+#include "sbuf/asn-int.h"
+#include "sbuf/asn-real.h"
+
+namespace zyn::direct {
+
+// The widest store.
+inline constexpr std::size_t slack = 8;
+// The most octets that a length takes.
+inline constexpr std::size_t longestLength = 5;
+
+// The most octets of a field that do not depend on the size of what it holds: tags, lengths and small values.
+constexpr std::size_t fixedOctets(const Field& row) {
+    const std::size_t header = tagOctets(row.tag) + 1;
+    switch (row.kind) {
+    case Kind::Int: return header + 4 + (row.wrapped ? 2 : 0);
+    case Kind::Bool: return header + 1;
+    case Kind::Real: return header + 10;
+    case Kind::Choice: return 0;
+    default: return tagOctets(row.tag) + longestLength + 1;
+    }
+}
+
+// Room is proved for the fields of a group at once, so that records with many OPTIONAL fields do not ask for much more
+// than they need.
+inline constexpr std::size_t groupSize = 8;
+
+// The octets needed for field index and those in front of it in its group.
+constexpr std::size_t fixedOctetsFrom(const Type& type, std::size_t index) {
+    std::size_t octets = slack;
+    for (std::size_t i = index + 1; i-- > index / groupSize * groupSize;) octets += fixedOctets(type.fields[i]);
+    return octets;
+}
+
+inline bool hasRoom(const uint8_t* w, const uint8_t* begin, std::size_t octets) {
+    return std::size_t(w - begin) >= octets;
+}
+
+// A length of 128 octets and more.
+[[gnu::noinline]] inline uint8_t* pushLongLength(uint8_t* w, std::size_t length) {
+    unsigned octets = 0;
+    for (; length > 0; length >>= 8, ++octets) *--w = static_cast<uint8_t>(length);
+    *--w = static_cast<uint8_t>(0x80 | octets);
+    return w;
+}
+
+// Tag and length in front of w, for which room is there.
+template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushHeader(uint8_t* w, std::size_t length) {
+    constexpr unsigned octets = tagOctets(tag);
+    if (length < 0x80) [[likely]] *--w = static_cast<uint8_t>(length);
+    else w = pushLongLength(w, length);
+    if constexpr (octets == 3) *--w = static_cast<uint8_t>(tag >> 8);
+    if constexpr (octets >= 2) *--w = static_cast<uint8_t>(tag >> 16);
+    *--w = static_cast<uint8_t>(tag >> 24);
+    return w;
+}
+
+// Up to 16 octets in two moves that overlap; none is read or written twice the length away.
+[[gnu::noinline]] inline void copyOctets(uint8_t* to, const uint8_t* from, std::size_t length) {
+    if (length >= 8 && length <= 16) {
+        const auto head = load<uint64_t>(from);
+        const auto tail = load<uint64_t>(from + length - 8);
+        store(to, head);
+        store(to + length - 8, tail);
+    } else if (length >= 4 && length < 8) {
+        const auto head = load<uint32_t>(from);
+        const auto tail = load<uint32_t>(from + length - 4);
+        store(to, head);
+        store(to + length - 4, tail);
+    } else if (length < 4) {
+        for (std::size_t i = 0; i < length; ++i) to[i] = from[i];
+    } else {
+        std::memcpy(to, from, length);
+    }
+}
+
+[[gnu::always_inline]] inline uint8_t* pushInteger(uint8_t* w, AsnInt value) {
+    store(w - 4, bigEndian(static_cast<uint32_t>(value)));
+    return w - signedOctets(value);
+}
+
+// A finite REAL. Null: a NaN, an infinity or what the caller made stand for one; the exact way knows how to treat them.
+[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, double value) {
+    if (value == 0.0) return w;
+    if (value == PLUS_INFINITY || value == MINUS_INFINITY) return nullptr;
+    if ((std::bit_cast<uint64_t>(value) & 0x7FF0000000000000) == 0x7FF0000000000000) return nullptr;
+    const RealParts parts = splitReal(value);
+    store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
+    w -= parts.octets;
+    store(w - 2, bigEndian(static_cast<uint16_t>(parts.exponent)));
+    const unsigned exponentOctets = signedOctets(parts.exponent);
+    w -= exponentOctets;
+    *--w = static_cast<uint8_t>((value < 0 ? 0xC0 : 0x80) + exponentOctets - 1);
+    return w;
+}
+
+template <TypeId id> uint8_t* sequence(const void* record, uint8_t* w, uint8_t* begin);
+template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin);
+
+template <TypeId id> uint8_t* setOf(AsnList* list, uint8_t* w, uint8_t* begin) {
+    if (!list || list->count == 0) return w;
+    constexpr TypeId element = typeOf(id).element;
+    AsnListNode* node = list->last;
+    for (; node && node->data; node = node->prev) {
+        uint8_t* after = w;
+        w = sequence<element>(node->data, w, begin);
+        if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+        w = pushHeader<sequenceTag>(w, std::size_t(after - w));
+    }
+    list->curr = node;
+    return w;
+}
+
+// One field, which is there. Room for its fixed octets has been proved, and is proved again for the rest of the group
+// behind what has no fixed size.
+template <TypeId id, std::size_t index>
+[[gnu::always_inline]] inline uint8_t* field(const void* record, uint8_t* w, uint8_t* begin) {
+    constexpr const Field& row = typeOf(id).fields[index];
+    constexpr std::size_t needed = fixedOctetsFrom(typeOf(id), index);
+    const void* value = static_cast<const char*>(record) + row.offset;
+    if constexpr (row.pointer) value = pointerIn(value);
+    uint8_t* const after = w;
+
+    if constexpr (row.kind == Kind::Int) {
+        if constexpr (row.optional) {
+            if (!value) return w;
+        }
+        w = pushInteger(w, *static_cast<const AsnInt*>(value));
+        if constexpr (row.wrapped) w = pushHeader<integerTag>(w, std::size_t(after - w));
+        return pushHeader<row.tag>(w, std::size_t(after - w));
+    } else if constexpr (row.kind == Kind::Bool) {
+        if constexpr (row.optional) {
+            if (!value) return w;
+        }
+        *--w = *static_cast<const AsnBool*>(value) ? 0xFF : 0;
+        return pushHeader<row.tag>(w, 1);
+    } else if constexpr (row.kind == Kind::Real) {
+        w = pushReal(w, *static_cast<const AsnReal*>(value));
+        return w ? pushHeader<row.tag>(w, std::size_t(after - w)) : nullptr;
+    } else if constexpr (row.kind == Kind::Octs) {
+        const auto* text = static_cast<const AsnOcts*>(value);
+        if (!text->octs) {
+            if (row.optional) return w;
+            return text->octetLen == 0 ? pushHeader<row.tag>(w, 0) : nullptr;
+        }
+        const std::size_t length = text->octetLen;
+        if (!hasRoom(w, begin, needed + length)) return nullptr;
+        w -= length;
+        copyOctets(w, text->octs, length);
+        return pushHeader<row.tag>(w, length);
+    } else if constexpr (row.kind == Kind::Bits) {
+        const auto* bits = static_cast<const AsnBits*>(value);
+        if (!bits->bits) {
+            if (row.optional) return w;
+            return nullptr;
+        }
+        if (bits->bitLen < 0) return nullptr;
+        const std::size_t length = (std::size_t(bits->bitLen) + 7) / 8;
+        if (!hasRoom(w, begin, needed + length)) return nullptr;
+        w -= length;
+        copyOctets(w, bits->bits, length);
+        *--w = static_cast<uint8_t>(8 * length - std::size_t(bits->bitLen));
+        return pushHeader<row.tag>(w, length + 1);
+    } else {
+        if constexpr (row.kind == Kind::SetOf) {
+            w = setOf<row.type>(static_cast<AsnList*>(const_cast<void*>(value)), w, begin);
+        } else {
+            if (!value) return row.optional ? w : nullptr;
+            if constexpr (row.kind == Kind::Choice) w = choice<row.type>(static_cast<const ChoiceRecord*>(value), w, begin);
+            else w = sequence<row.type>(value, w, begin);
+        }
+        if (!w || !hasRoom(w, begin, needed)) return nullptr;
+        if constexpr (row.kind == Kind::Choice) return w;
+        else return pushHeader<row.tag>(w, std::size_t(after - w));
+    }
+}
+
+// One field in turn; the first of a group that is written proves the room for all of it.
+template <TypeId id, std::size_t index>
+[[gnu::always_inline]] inline uint8_t* step(const void* record, uint8_t* w, uint8_t* begin) {
+    if constexpr (index + 1 == typeOf(id).fields.size() || (index + 1) % groupSize == 0) {
+        constexpr std::size_t needed = fixedOctetsFrom(typeOf(id), index);
+        if (!hasRoom(w, begin, needed)) return nullptr;
+    }
+    return field<id, index>(record, w, begin);
+}
+
+template <TypeId id, std::size_t... i>
+[[gnu::always_inline]] inline uint8_t* steps(const void* record, uint8_t* w, uint8_t* begin, std::index_sequence<i...>) {
+    static_cast<void>(((w = step<id, sizeof...(i) - 1 - i>(record, w, begin)) && ...));
+    return w;
+}
+
+template <TypeId id> uint8_t* sequence(const void* record, uint8_t* w, uint8_t* begin) {
+    return steps<id>(record, w, begin, std::make_index_sequence<typeOf(id).fields.size()>());
+}
+
+// One alternative with its length and tag.
+template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
+    constexpr const Alternative& row = typeOf(id).alternatives[index];
+    uint8_t* const after = w;
+    if constexpr (row.kind == Kind::Int) {
+        if (!hasRoom(w, begin, slack)) return nullptr;
+        w = pushInteger(w, record->number);
+    } else if constexpr (row.kind == Kind::Octs) {
+        const auto* text = static_cast<const AsnOcts*>(record->slot);
+        if (!text || !text->octs || !hasRoom(w, begin, text->octetLen)) return nullptr;
+        w -= text->octetLen;
+        copyOctets(w, text->octs, text->octetLen);
+    } else if constexpr (row.kind == Kind::Choice) {
+        if (!record->slot) return nullptr;
+        w = choice<row.type>(static_cast<const ChoiceRecord*>(record->slot), w, begin);
+    } else if constexpr (!typeOf(row.type).fields.empty()) {
+        if (!record->slot) return nullptr;
+        w = sequence<row.type>(record->slot, w, begin);
+    }
+    if (!w || !hasRoom(w, begin, 3 + longestLength)) return nullptr;
+    return pushHeader<row.tag>(w, std::size_t(after - w));
+}
+
+using AlternativeEncoder = uint8_t* (*)(const ChoiceRecord* record, uint8_t* w, uint8_t* begin);
+
+template <TypeId id>
+inline constexpr auto alternativeEncoders = []<std::size_t... index>(std::index_sequence<index...>) {
+    return std::array<AlternativeEncoder, sizeof...(index)>{alternative<id, index>...};
+}(std::make_index_sequence<typeOf(id).alternatives.size()>());
+
+template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
+    constexpr std::span<const int16_t> byNumber = typeOf(id).byNumber;
+    const uint32_t number = record->choiceId;
+    if (number >= byNumber.size() || byNumber[number] < 0) return nullptr;
+    return alternativeEncoders<id>[static_cast<std::size_t>(byNumber[number])](record, w, begin);
+}
+
+template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_t* end) {
+    if constexpr (typeOf(id).shape == Shape::Choice) {
+        return choice<id>(static_cast<const ChoiceRecord*>(message), end, begin);
+    } else {
+        uint8_t* w = sequence<id>(message, end, begin);
+        if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+        return pushHeader<sequenceTag>(w, std::size_t(end - w));
+    }
+}
+
+} // namespace zyn::direct

@@ -1,0 +1,78 @@
+// All types in one table, by TypeId, and the numbering of the failure codes.
+#pragma once
+
+#include <array>
+
+#include "records/generated/modules.h"
+#include "records/rows.h"
+
+namespace zyn {
+
+// Every place where a record decoder can fail has a code of its own within its module. The codes run downwards from
+// -100, a step a place, over the module's types in the order in which the module defines them. Within a type the
+// places follow each other like this; nothing else decides a code.
+//
+//   a message that is a SEQUENCE     its outer tag
+//   each field of a SEQUENCE         the inner tag, if it is wrapped; the length check, if it is the last field;
+//                                    the wrong tag, if it is required
+//   behind the last field            no field matched. The step is taken, though never reported, behind a required one
+//   an empty record, SET OF, CHOICE  one place
+constexpr int16_t firstSiteCode = -100;
+
+enum class Site { OuterTag, InnerTag, Length, FieldTag, Stray, Only, End };
+
+// Walks the places of a type in order and counts down to the one asked for; field says whose InnerTag or FieldTag.
+// End gives the code behind the last place, where the module's next type starts.
+constexpr int16_t siteCode(const Type& type, Site site, std::size_t field = 0) {
+    int code = type.firstCode;
+    int result = 0;
+    const auto place = [&](Site here, bool matches = true) {
+        if (here == site && matches) result = code;
+        --code;
+    };
+    if (type.fields.empty()) {
+        place(Site::Only);
+    } else {
+        if (type.message) place(Site::OuterTag);
+        for (std::size_t i = 0; i < type.fields.size(); ++i) {
+            if (type.fields[i].wrapped) place(Site::InnerTag, i == field);
+            if (i + 1 == type.fields.size()) place(Site::Length);
+            if (!type.fields[i].optional) place(Site::FieldTag, i == field);
+        }
+        place(Site::Stray);
+    }
+    place(Site::End);
+    return static_cast<int16_t>(result);
+}
+
+consteval std::array<Type, typeCount> assembleTypes() {
+    std::array<Type, typeCount> all{};
+    constexpr const char* primitives[] = {"AsnInt", "AsnEnum", "AsnBool", "AsnReal", "AsnOcts", "AsnBits"};
+    constexpr uint16_t sizes[] = {sizeof(AsnInt), sizeof(AsnInt), sizeof(AsnBool), sizeof(AsnReal), sizeof(AsnOcts),
+                                  sizeof(AsnBits)};
+    std::size_t next = 0;
+    for (const char* name : primitives) {
+        all[next] = {.name = name, .id = static_cast<TypeId>(next), .size = sizes[next]};
+        ++next;
+    }
+    for (const Module& module : modules) {
+        int16_t code = firstSiteCode;
+        for (const Type& row : module.types) {
+            Type& type = all[next];
+            type = row;
+            if (static_cast<std::size_t>(type.id) != next) throw "TypeId and tables differ in order";
+            type.module = module.name;
+            type.firstCode = code;
+            code = siteCode(type, Site::End);
+            ++next;
+        }
+    }
+    if (next != typeCount) throw "typeCount and tables differ";
+    return all;
+}
+
+inline constexpr std::array<Type, typeCount> types = assembleTypes();
+
+constexpr const Type& typeOf(TypeId id) { return types[static_cast<std::size_t>(id)]; }
+
+} // namespace zyn
