@@ -1,0 +1,166 @@
+// The frames of the entry points: the same steps for all four envelopes.
+#include "zyn/messages.h"
+
+#include <csetjmp>
+#include <cstdio>
+#include <cstring>
+
+#include "api/setup.h"
+#include "api/way.h"
+#include "records/direct.h"
+#include "records/exact.h"
+#include "zyn/codes.h"
+#include "zyn/values.h"
+
+namespace zyn {
+namespace {
+
+SBuf writeBuffer(uint8_t* block, uint32_t size) {
+    uint8_t* end = block + size;
+    return {.dataStart = end, .dataEnd = end, .blkStart = block, .blkEnd = end, .readLoc = end,
+            .writeError = 0, .readError = 1};
+}
+
+SBuf readBuffer(const uint8_t* message, uint32_t length) {
+    auto* start = const_cast<uint8_t*>(message); // never written through: writeError is set
+    return {.dataStart = start, .dataEnd = start + length, .blkStart = start, .blkEnd = start + length,
+            .readLoc = start, .writeError = 1, .readError = 0};
+}
+
+// The finished octets stand at the end of the block; the caller finds them at its start.
+uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
+    const auto length = static_cast<uint32_t>(end - start);
+    if (start != buffer) std::memmove(buffer, start, length);
+    return length;
+}
+
+uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+    tellWay(Way::Exact);
+    SBuf b = writeBuffer(buffer, bufferLen);
+    if (encodeMessage(&b, id, envelope) == 0 || b.writeError) return nullptr;
+    return b.dataStart;
+}
+
+template <TypeId id> uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+    if (!setUp()) return 0;
+    uint8_t* end = buffer + bufferLen;
+    uint8_t* start = mayGoDirect() ? direct::encode<id>(envelope, buffer, end) : nullptr;
+    if (start) tellWay(Way::Direct);
+    else start = encodeExact(id, envelope, buffer, bufferLen);
+    if (!start) return 0;
+    const uint32_t length = moveToStart(buffer, start, end);
+    ResetNibbleMem();
+    return length;
+}
+
+// The landing place of all failures below. Nothing in this frame lives on after one.
+int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope) {
+    tellWay(Way::Exact);
+    SBuf b = readBuffer(buffer, length);
+    AsnLen bytesDecoded = 0;
+    jmp_buf env;
+    if (const int code = setjmp(env)) return code;
+    decodeMessage(&b, id, envelope, &bytesDecoded, env);
+    return 0;
+}
+
+template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t length, void* envelope) {
+    if (!setUp()) return ZYN_E_NO_MEMORY;
+    ResetNibbleMem();
+    if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
+        tellWay(Way::Direct);
+        return 0;
+    }
+    ResetNibbleMem();
+    return decodeExact(id, buffer, length, envelope);
+}
+
+constexpr int32_t userIdLength = 12; // characters that a request's sender gives
+
+// A request's envelope lives in the call: only its text and its message are the caller's.
+template <TypeId id, typename Request, typename Choice>
+uint32_t encodeRequest(const char* userId, Choice* Request::*member, void* message, uint32_t choiceId, uint8_t* buffer,
+                       uint32_t bufferLen) {
+    Choice choice;
+    choice.choiceId = choiceId;
+    choice.slot = message;
+    Request request;
+    ZynTextStrSet(&request.userId, userId, userIdLength);
+    request.*member = &choice;
+    return encodeEnvelope<id>(&request, buffer, bufferLen);
+}
+
+template <TypeId id, typename Reply>
+uint32_t encodeReply(void* message, uint32_t choiceId, uint8_t* buffer, uint32_t bufferLen) {
+    Reply reply;
+    reply.choiceId = choiceId;
+    reply.slot = message;
+    return encodeEnvelope<id>(&reply, buffer, bufferLen);
+}
+
+int printEnvelope(TypeId id, const void* envelope) {
+    print(stderr, id, envelope, 0);
+    return std::fflush(stderr);
+}
+
+} // namespace
+} // namespace zyn
+
+using zyn::TypeId;
+
+uint32_t ZynTransRequestEncode(const char* userId, void* message, uint32_t choiceId, uint8_t* buffer,
+                               uint32_t bufferLen) {
+    return zyn::encodeRequest<TypeId::ZynTransReq>(userId, &ZynTransReq::upTransMsg, message, choiceId, buffer, bufferLen);
+}
+
+uint32_t ZynQueryRequestEncode(const char* userId, void* message, uint32_t choiceId, uint8_t* buffer,
+                               uint32_t bufferLen) {
+    return zyn::encodeRequest<TypeId::ZynQueryReq>(userId, &ZynQueryReq::upQueryMsg, message, choiceId, buffer, bufferLen);
+}
+
+uint32_t ZynTransReplyEncode(void* message, uint32_t choiceId, uint8_t* buffer, uint32_t bufferLen) {
+    return zyn::encodeReply<TypeId::ZynTransRep, ZynTransRep>(message, choiceId, buffer, bufferLen);
+}
+
+uint32_t ZynQueryReplyEncode(void* message, uint32_t choiceId, uint8_t* buffer, uint32_t bufferLen) {
+    return zyn::encodeReply<TypeId::ZynQueryRep, ZynQueryRep>(message, choiceId, buffer, bufferLen);
+}
+
+int32_t ZynTransRequestDecode(const uint8_t* buffer, uint32_t length, ZynTransReq* request) {
+    return zyn::decodeEnvelope<TypeId::ZynTransReq>(buffer, length, request);
+}
+
+int32_t ZynQueryRequestDecode(const uint8_t* buffer, uint32_t length, ZynQueryReq* request) {
+    return zyn::decodeEnvelope<TypeId::ZynQueryReq>(buffer, length, request);
+}
+
+int32_t ZynTransReplyDecode(const uint8_t* buffer, uint32_t length, ZynTransRep* reply) {
+    return zyn::decodeEnvelope<TypeId::ZynTransRep>(buffer, length, reply);
+}
+
+int32_t ZynQueryReplyDecode(const uint8_t* buffer, uint32_t length, ZynQueryRep* reply) {
+    return zyn::decodeEnvelope<TypeId::ZynQueryRep>(buffer, length, reply);
+}
+
+int ZynTransRequestPrint(void*, ZynTransReq* request) { return zyn::printEnvelope(TypeId::ZynTransReq, request); }
+int ZynQueryRequestPrint(void*, ZynQueryReq* request) { return zyn::printEnvelope(TypeId::ZynQueryReq, request); }
+int ZynTransReplyPrint(void*, ZynTransRep* reply) { return zyn::printEnvelope(TypeId::ZynTransRep, reply); }
+int ZynQueryReplyPrint(void*, ZynQueryRep* reply) { return zyn::printEnvelope(TypeId::ZynQueryRep, reply); }
+
+uint32_t ZynTextStrEncode(AsnOcts* text, uint8_t* buffer, uint32_t bufferLen) {
+    if (!zyn::setUp()) return 0;
+    SBuf b = zyn::writeBuffer(buffer, bufferLen);
+    if (BEncAsnOcts(&b, text) == 0 || b.writeError) return 0;
+    return zyn::moveToStart(buffer, b.dataStart, b.dataEnd);
+}
+
+int32_t ZynTextStrDecode(const uint8_t* buffer, uint32_t length, AsnOcts* text) {
+    if (!zyn::setUp()) return ZYN_E_NO_MEMORY;
+    SBuf b = zyn::readBuffer(buffer, length);
+    ResetNibbleMem();
+    AsnLen bytesDecoded = 0;
+    jmp_buf env;
+    if (const int code = setjmp(env)) return code;
+    BDecAsnOcts(&b, text, &bytesDecoded, env);
+    return 0;
+}
