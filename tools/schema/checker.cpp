@@ -1,9 +1,11 @@
 #include "schema/checker.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "schema/parser.h"
 #include "schema/refusal.h"
@@ -19,8 +21,6 @@ constexpr const char* messageModule = "Main";
 
 using Form = Tagging::Form;
 
-std::string quoted(const std::string& name) { return "'" + name + "'"; }
-
 // Checks one module by the rules of the codec.
 class Checker {
 public:
@@ -32,11 +32,11 @@ public:
             if (type.kind == Kind::Choice) checkChoice(type);
             if (type.kind == Kind::SetOf && type.element.kind != Kind::Sequence) {
                 refuse(type.element.line,
-                       "the elements of " + quoted(type.name) + " must be of a SEQUENCE type");
+                       "the elements of " + inQuotes(type.name) + " must be of a SEQUENCE type");
             }
             const bool hasFields = type.kind == Kind::Sequence && !type.members.empty();
             if (type.message && type.kind != Kind::Choice && !hasFields) {
-                refuse(type.line, "no type refers to " + quoted(type.name) +
+                refuse(type.line, "no type refers to " + inQuotes(type.name) +
                                       ", and a message must be a CHOICE or a SEQUENCE with fields");
             }
         }
@@ -48,7 +48,7 @@ private:
         for (const Member& field : type.members) {
             if (!names.insert(field.name).second) {
                 refuse(field.line,
-                       "the field " + quoted(field.name) + " occurs twice in " + quoted(type.name));
+                       "the field " + inQuotes(field.name) + " occurs twice in " + inQuotes(type.name));
             }
             checkField(field);
         }
@@ -57,7 +57,7 @@ private:
 
     void checkField(const Member& field) const {
         const Kind kind = field.use.kind;
-        const std::string name = "the field " + quoted(field.name);
+        const std::string name = "the field " + inQuotes(field.name);
         const bool bare = kind == Kind::Real || kind == Kind::SetOf || kind == Kind::Choice;
         const std::string word = kind == Kind::Real ? "REAL" : kind == Kind::SetOf ? "SET OF" : "CHOICE";
         if (field.tag.number > highestFieldTag) {
@@ -81,8 +81,8 @@ private:
             const Member& later = type.members[j];
             for (const WireTag& tag : acceptedTags(later)) {
                 if (std::ranges::find(own, tag) == own.end()) continue;
-                refuse(later.line, "the field " + quoted(later.name) + " accepts the tag " + octetsOf(tag) +
-                                       ", which the OPTIONAL field " + quoted(type.members[i].name) +
+                refuse(later.line, "the field " + inQuotes(later.name) + " accepts the tag " + octetsOf(tag) +
+                                       ", which the OPTIONAL field " + inQuotes(type.members[i].name) +
                                        " ahead of it would take");
             }
             if (!later.optional) return;
@@ -94,20 +94,20 @@ private:
         std::map<unsigned, std::string> numbers;
         for (const Member& alternative : type.members) {
             if (!names.insert(alternative.name).second) {
-                refuse(alternative.line, "the alternative " + quoted(alternative.name) + " occurs twice in " +
-                                             quoted(type.name));
+                refuse(alternative.line, "the alternative " + inQuotes(alternative.name) +
+                                             " occurs twice in " + inQuotes(type.name));
             }
             const auto [known, isNew] = numbers.emplace(alternative.tag.number, alternative.name);
             if (!isNew) {
-                refuse(alternative.line, "the alternatives " + quoted(known->second) + " and " +
-                                             quoted(alternative.name) + " have the same number");
+                refuse(alternative.line, "the alternatives " + inQuotes(known->second) + " and " +
+                                             inQuotes(alternative.name) + " have the same number");
             }
             checkAlternative(alternative);
         }
     }
 
     void checkAlternative(const Member& alternative) const {
-        const std::string name = "the alternative " + quoted(alternative.name);
+        const std::string name = "the alternative " + inQuotes(alternative.name);
         const bool isExplicit = alternative.tag.form == Form::Explicit;
         if (alternative.tag.number > highestAlternativeTag) {
             refuse(alternative.line, name + " has a number above " + std::to_string(highestAlternativeTag));
@@ -153,11 +153,12 @@ void markMessages(Schema& schema) {
 
 Schema compile(const std::vector<Source>& sources) {
     Schema schema;
-    std::vector<const Source*> inOrder;
-    for (const Source& source : sources) inOrder.push_back(&source);
-    std::ranges::sort(inOrder, {}, [](const Source* source) { return source->file; });
-    for (const Source* source : inOrder) schema.modules.push_back(parse(*source));
-    std::ranges::stable_sort(schema.modules, {}, &Module::name);
+    // By the name of the file, which is the module's.
+    std::map<std::pair<std::string, std::string>, const Source*> inOrder;
+    for (const Source& source : sources) {
+        inOrder[{std::filesystem::path(source.file).stem().string(), source.file}] = &source;
+    }
+    for (const auto& [name, source] : inOrder) schema.modules.push_back(parse(*source));
     resolve(schema);
     markMessages(schema);
     for (const Module& module : schema.modules) Checker(module).run();

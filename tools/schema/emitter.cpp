@@ -30,14 +30,24 @@ bool isIn(std::span<const std::string_view> words, const std::string& name) {
     return std::ranges::find(words, name) != words.end();
 }
 
+// A table without rows is no C++.
+void checkNotEmpty(const Module& module) {
+    for (const Type& type : module.types) {
+        if (isRecord(type.kind)) return;
+    }
+    throw Refusal(module.file, module.line, "the module " + inQuotes(module.name) + " defines no record");
+}
+
 void checkNames(const Module& module, const Type& type) {
     if (isRecord(type.kind) && isIn(takenTypes, type.name)) {
-        throw Refusal(module.file, type.line, "the name '" + type.name + "' is one of the run-time's own");
+        throw Refusal(module.file, type.line,
+                      "the name " + inQuotes(type.name) + " is one of the run-time's own");
     }
     for (const Member& member : type.members) {
         const bool takenHere = type.kind == Kind::Choice && isIn(takenInChoices, member.name);
         if (takenHere || isIn(takenWords, member.name)) {
-            throw Refusal(module.file, member.line, "the name '" + member.name + "' is taken in C or C++");
+            throw Refusal(module.file, member.line,
+                          "the name " + inQuotes(member.name) + " is taken in C or C++");
         }
     }
 }
@@ -53,7 +63,7 @@ void checkLists(const Module& module) {
         for (const Member& member : type.members) {
             if (!later.contains(member.use.type)) continue;
             throw Refusal(module.file, member.line,
-                          "the SET OF '" + member.use.name + "' must stand ahead of its use");
+                          "the SET OF " + inQuotes(member.use.name) + " must stand ahead of its use");
         }
     }
 }
@@ -94,6 +104,7 @@ std::string firstLine(const Schema& schema) {
 Output emit(const Schema& schema) {
     Output output;
     for (const Module& module : schema.modules) {
+        checkNotEmpty(module);
         for (const Type& type : module.types) checkNames(module, type);
         checkLists(module);
         output.headers.push_back({module.name + ".h", emitHeader(module)});

@@ -37,8 +37,8 @@ public:
         module_.name = upperName("the name of the module");
         const std::string stem = std::filesystem::path(file_).stem().string();
         if (module_.name != stem) {
-            refuse(module_.line,
-                   "the module '" + module_.name + "' stands in a file of the name '" + stem + "'");
+            refuse(module_.line, "the module " + inQuotes(module_.name) + " stands in a file of the name " +
+                                     inQuotes(stem));
         }
         for (const char* word : {"DEFINITIONS", "IMPLICIT", "TAGS", "::=", "BEGIN"}) expect(word);
         module_.remarks = moduleComment(lexed_, at_ - 1);
@@ -116,7 +116,7 @@ private:
         if (token().text == "[") {
             result.tag = tag();
         } else if (ofChoice) {
-            refuseToken("the context tag of the alternative '" + result.name + "'");
+            refuseToken("the context tag of the alternative " + inQuotes(result.name));
         }
         result.use = use();
         if (!ofChoice) result.optional = take("OPTIONAL");
@@ -168,12 +168,12 @@ private:
     }
 
     void expect(const std::string& text) {
-        if (!take(text)) refuseToken("'" + text + "'");
+        if (!take(text)) refuseToken(inQuotes(text));
     }
 
     [[noreturn]] void refuseToken(const std::string& expected) const {
         const bool atEnd = token().kind == Token::Kind::End;
-        const std::string found = atEnd ? "the end of the file" : "'" + token().text + "'";
+        const std::string found = atEnd ? "the end of the file" : inQuotes(token().text);
         refuse(token().line, "expected " + expected + " but found " + found);
     }
 

@@ -13,4 +13,7 @@ struct Refusal : std::runtime_error {
         : std::runtime_error(file + ":" + std::to_string(line) + ": " + reason) {}
 };
 
+// inQuotes sets a name of the schema apart from the words of a reason.
+inline std::string inQuotes(const std::string& name) { return "'" + name + "'"; }
+
 } // namespace zyn::schema

@@ -14,8 +14,6 @@ const std::map<std::string, Kind> builtIn = {
     {"OCTET STRING", Kind::OctetString}, {"BIT STRING", Kind::BitString},
 };
 
-std::string quoted(const std::string& name) { return "'" + name + "'"; }
-
 class Resolver {
 public:
     explicit Resolver(Schema& schema) : schema_(schema) {}
@@ -36,7 +34,7 @@ private:
             const auto [known, isNew] = modules_.emplace(module.name, &module);
             if (!isNew) {
                 throw Refusal(module.file, module.line,
-                              "the module " + quoted(module.name) + " is also in " + known->second->file);
+                              "the module " + inQuotes(module.name) + " is also in " + known->second->file);
             }
         }
     }
@@ -49,8 +47,8 @@ private:
                 const auto [known, isNew] = definedIn.emplace(type.name, &module);
                 if (!isNew) {
                     throw Refusal(module.file, type.line,
-                                  "the type " + quoted(type.name) + " is defined already in module " +
-                                      quoted(known->second->name));
+                                  "the type " + inQuotes(type.name) + " is defined already in module " +
+                                      inQuotes(known->second->name));
                 }
                 types_[{module.name, type.name}] = &type;
             }
@@ -62,15 +60,15 @@ private:
         for (const Import& import : module.imports) {
             if (!modules_.contains(import.module)) {
                 throw Refusal(module.file, import.line,
-                              "the module " + quoted(import.module) + " is not known");
+                              "the module " + inQuotes(import.module) + " is not known");
             }
             const auto found = types_.find({import.module, import.name});
             if (found == types_.end()) {
-                throw Refusal(module.file, import.line,
-                              "the module " + quoted(import.module) + " defines no " + quoted(import.name));
+                throw Refusal(module.file, import.line, "the module " + inQuotes(import.module) +
+                                                            " defines no " + inQuotes(import.name));
             }
             if (!visible.emplace(import.name, found->second).second) {
-                throw Refusal(module.file, import.line, quoted(import.name) + " is imported twice");
+                throw Refusal(module.file, import.line, inQuotes(import.name) + " is imported twice");
             }
         }
         for (const Type& type : module.types) visible.emplace(type.name, &type);
@@ -84,7 +82,7 @@ private:
             }
             const auto found = visible.find(use.name);
             if (found == visible.end()) {
-                throw Refusal(module.file, use.line, "the type " + quoted(use.name) +
+                throw Refusal(module.file, use.line, "the type " + inQuotes(use.name) +
                                                          " is neither defined in this module nor imported");
             }
             use.kind = found->second->kind;
@@ -96,7 +94,7 @@ private:
         }
         for (const Import& import : module.imports) {
             if (!used.contains(import.name)) {
-                throw Refusal(module.file, import.line, quoted(import.name) + " is imported but not used");
+                throw Refusal(module.file, import.line, inQuotes(import.name) + " is imported but not used");
             }
         }
     }
@@ -109,7 +107,7 @@ private:
             const Module& next = *modules_.at(import.module);
             if (openModules_.contains(&next)) {
                 throw Refusal(module.file, import.line,
-                              "the modules " + quoted(module.name) + " and " + quoted(next.name) +
+                              "the modules " + inQuotes(module.name) + " and " + inQuotes(next.name) +
                                   " import from each other, directly or through others");
             }
             refuseModuleRing(next);
@@ -131,8 +129,8 @@ private:
     void follow(const Module& module, const Type& type, const TypeUse& use) {
         if (!use.type || types_.find({module.name, use.name}) == types_.end()) return;
         if (openTypes_.contains(use.type)) {
-            throw Refusal(module.file, use.line,
-                          "the type " + quoted(type.name) + " contains itself, through " + quoted(use.name));
+            throw Refusal(module.file, use.line, "the type " + inQuotes(type.name) +
+                                                     " contains itself, through " + inQuotes(use.name));
         }
         refuseRecursion(module, *use.type);
     }
