@@ -1,5 +1,6 @@
 // BIT STRING (X.690 8.6).
 #include <cstring>
+
 #include "sbuf/failure.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
@@ -80,8 +81,8 @@ void BDecAsnBitsContent(SBuf* b, AsnTag tagId, AsnLen len, AsnBits* result, AsnL
     *bytesDecoded += len;
     const uint8_t unused = SBufNextByte(b);
     const uint32_t octets = len - 1;
-    // What is not there is neither allocated nor copied.
-    if (size_t(b->dataEnd - b->readLoc) < octets) {
+    // What is not there is neither allocated nor copied. IndefiniteLen is no length of a primitive string.
+    if (len == IndefiniteLen || size_t(b->dataEnd - b->readLoc) < octets) {
         b->readLoc = b->dataEnd;
         b->readError = 1;
     }

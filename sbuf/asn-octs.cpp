@@ -1,5 +1,6 @@
 // OCTET STRING (X.690 8.7).
 #include <cstring>
+
 #include "sbuf/failure.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
@@ -24,7 +25,7 @@ constexpr zyn::ComponentRules components = {
 
 // Room for the octets and the 0 byte that follows them, so that text can be used as a terminated string.
 uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
-    auto* octs = length < UINT32_MAX ? static_cast<uint8_t*>(NibbleAlloc(length + 1)) : nullptr;
+    auto* octs = static_cast<uint8_t*>(NibbleAlloc(length + 1)); // length is below IndefiniteLen
     if (!octs) zyn::raise(env, ZYN_E_NO_MEMORY, nullptr);
     octs[length] = 0;
     return octs;
@@ -58,8 +59,8 @@ AsnLen BEncAsnOcts(SBuf* b, AsnOcts* data) {
 void BDecAsnOctsContent(SBuf* b, AsnTag tagId, AsnLen len, AsnOcts* result, AsnLen* bytesDecoded, jmp_buf env) {
     if (tagId & constructedBit) return decodeConstructed(b, len, result, bytesDecoded, env);
     result->octetLen = len;
-    // What is not there is neither allocated nor copied.
-    if (size_t(b->dataEnd - b->readLoc) < len) {
+    // What is not there is neither allocated nor copied. IndefiniteLen is no length of a primitive string.
+    if (len == IndefiniteLen || size_t(b->dataEnd - b->readLoc) < len) {
         b->readLoc = b->dataEnd;
         b->readError = 1;
     }

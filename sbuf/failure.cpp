@@ -2,31 +2,34 @@
 #include "sbuf/failure.h"
 
 #include <cstdio>
+#include <cstring>
 
-#include "zyn/asn.h"
+#include "sbuf/state.h"
 
-namespace {
+void Asn1Error(char* str) { zyn::currentErrorHandler()(str, 1); }
 
-Asn1ErrorHandler currentErrorHandler = Asn1DefaultErrorHandler;
-
-} // namespace
-
-void Asn1Error(char* str) { currentErrorHandler(str, 1); }
-
-void Asn1Warning(char* str) { currentErrorHandler(str, 0); }
+void Asn1Warning(char* str) { zyn::currentErrorHandler()(str, 0); }
 
 void Asn1DefaultErrorHandler(char* str, int) { std::fputs(str, stderr); }
 
 Asn1ErrorHandler Asn1InstallErrorHandler(Asn1ErrorHandler handler) {
-    Asn1ErrorHandler previous = currentErrorHandler;
-    currentErrorHandler = handler ? handler : Asn1DefaultErrorHandler;
+    Asn1ErrorHandler previous = zyn::currentErrorHandler();
+    zyn::currentErrorHandler() = handler ? handler : Asn1DefaultErrorHandler;
     return previous;
 }
 
 namespace zyn {
 
+Asn1ErrorHandler errorHandler = Asn1DefaultErrorHandler;
+MessageText messageText = {};
+
 void raise(jmp_buf env, int32_t code, const char* message) {
-    if (message) Asn1Error(const_cast<char*>(message)); // the handler's type is older than const; none writes to it
+    if (message) {
+        MessageText& copy = currentMessage();
+        copy = {};
+        std::strncpy(copy.text, message, sizeof copy.text - 1);
+        Asn1Error(copy.text);
+    }
     std::longjmp(env, code);
 }
 

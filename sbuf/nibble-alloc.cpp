@@ -1,8 +1,8 @@
 // The arena: zero-filled memory that is handed out piece by piece and taken back all at once.
 //
 // Every byte that is handed out is 0. Decoders rely on it: a record fresh from here has all its OPTIONAL fields absent.
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
@@ -46,7 +46,7 @@ void InitNibbleMem(uint32_t initialSize, uint32_t incrementSize) {
         return;
     }
     *arena = {.firstNibbleBuf = block, .currNibbleBuf = block, .incrementSize = incrementSize};
-    nmG = arena;
+    zyn::currentArena() = arena;
 }
 
 // The room is tested against the size as asked for, and only then is the size rounded: the last request of a block may end
@@ -78,8 +78,10 @@ void ResetNibbleMem(void) {
     NibbleMem* arena = zyn::currentArena();
     if (!arena) return;
     NibbleBuf* first = arena->firstNibbleBuf;
-    std::memset(first->start, 0, static_cast<size_t>(first->curr - first->start));
-    first->curr = first->start;
+    if (first->curr != first->start) {
+        std::memset(first->start, 0, static_cast<size_t>(first->curr - first->start));
+        first->curr = first->start;
+    }
     if (first->next) {
         freeBlocks(first->next);
         first->next = nullptr;
@@ -88,9 +90,9 @@ void ResetNibbleMem(void) {
 }
 
 void ShutdownNibbleMem(void) {
-    NibbleMem* arena = nmG;
+    NibbleMem* arena = zyn::currentArena();
     if (!arena) return;
-    nmG = nullptr;
+    zyn::currentArena() = nullptr;
     freeBlocks(arena->firstNibbleBuf);
     std::free(arena);
 }

@@ -85,14 +85,15 @@ void printReal(TextOut& out, AsnReal value) {
 }
 
 void printOcts(TextOut& out, const AsnOcts& value) {
-    putHex(out, value.octs, value.octetLen);
+    const std::size_t count = value.octs ? value.octetLen : 0; // the length of an absent text does not count
+    putHex(out, value.octs, count);
     out.put("  -- \"");
-    putText(out, value.octs, value.octetLen);
+    putText(out, value.octs, count);
     out.put("\" --");
 }
 
 void printBits(TextOut& out, const AsnBits& value) {
-    putHex(out, value.bits, value.bitLen > 0 ? (static_cast<std::size_t>(value.bitLen) + 7) / 8 : 0);
+    putHex(out, value.bits, value.bits && value.bitLen > 0 ? (static_cast<std::size_t>(value.bitLen) + 7) / 8 : 0);
 }
 
 namespace {

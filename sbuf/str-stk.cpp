@@ -1,28 +1,23 @@
-#include <cstring>
 #include "sbuf/str-stk.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 #include "sbuf/asn-len.h"
 #include "sbuf/failure.h"
 #include "sbuf/state.h"
 #include "zyn/codes.h"
 
-StrStk strStkG = {nullptr, 128, 0, 64, 0, 0};
+static constexpr StrStk emptyStrStk = {nullptr, 128, 0, 64, 0, 0};
+
+StrStk strStkG = emptyStrStk;
 
 namespace zyn {
+
+StringTables stringTables = {};
+
 namespace {
-
-// A constructed string whose end has not been reached: its length and the octets counted in it so far. Strings may be nested
-// to any depth, so the open ones stand in a table and not on the stack.
-struct OpenString {
-    AsnLen length;
-    AsnLen count;
-};
-
-OpenString* openStrings = nullptr;
-std::size_t openCapacity = 0;
-std::size_t pieceCapacity = 0; // entries behind strStkG.stk; grows faster than numElmts tells, so that time stays linear
 
 // Makes room for one more entry by doubling the table.
 template <typename Entry> void grow(Entry*& table, std::size_t& capacity, std::size_t needed, jmp_buf env) {
@@ -38,18 +33,22 @@ void resetStack(jmp_buf env) {
     s.nextFreeElmt = 0;
     s.totalByteLen = 0;
     if (s.stk) return;
-    pieceCapacity = 0;
-    grow(s.stk, pieceCapacity, s.initialNumElmts, env);
+    std::size_t& capacity = currentStringTables().pieceCapacity;
+    capacity = 0;
+    grow(s.stk, capacity, std::max(s.initialNumElmts, 1u), env);
     s.numElmts = s.initialNumElmts;
 }
 
 void pushPiece(uint8_t* str, uint32_t len, jmp_buf env) {
     StrStk& s = currentStrStk();
     if (s.nextFreeElmt >= s.numElmts) {
-        const std::size_t needed = std::size_t{s.numElmts} + s.growElmts;
-        if (needed > pieceCapacity) grow(s.stk, pieceCapacity, needed, env);
+        const std::size_t needed = std::size_t{s.numElmts} + std::max(s.growElmts, 1u);
+        std::size_t& capacity = currentStringTables().pieceCapacity;
+        if (needed > capacity) grow(s.stk, capacity, needed, env);
         s.numElmts = static_cast<uint32_t>(needed);
     }
+    // Cannot happen in a message, whose length has 32 bits; but callers may describe more by an SBuf of their own.
+    if (len >= UINT32_MAX - s.totalByteLen) raise(env, ZYN_E_NO_MEMORY, nullptr);
     s.totalByteLen += len;
     s.stk[s.nextFreeElmt++] = {str, len};
 }
@@ -74,12 +73,13 @@ void takeComponent(SBuf* b, AsnLen length, const ComponentRules& rules, unsigned
 
 } // namespace
 
-// The end of a definite string is only tested for being reached: components that run over it end the walk, and the excess
-// shows in the count that the enclosing record checks.
+// The end of a definite string is only tested for being reached: components that run over it end the walk, and the
+// excess shows in the count that the enclosing record checks.
 unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLen* bytesDecoded, jmp_buf env) {
     resetStack(env);
     unsigned unusedBits = 0;
     if (length == 0) return unusedBits;
+    StringTables& tables = currentStringTables();
     AsnLen count = 0;
     std::size_t depth = 0;
     for (;;) {
@@ -96,8 +96,8 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
             } else if (tag != rules.nested) {
                 raise(env, rules.wrongTagCode, rules.wrongTag);
             } else if (componentLength != 0) {
-                if (depth == openCapacity) grow(openStrings, openCapacity, 16, env);
-                openStrings[depth++] = {length, count};
+                if (depth == tables.openCapacity) grow(tables.open, tables.openCapacity, 16, env);
+                tables.open[depth++] = {length, count};
                 length = componentLength;
                 count = 0;
                 continue;
@@ -109,7 +109,7 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
                 *bytesDecoded += count;
                 return unusedBits;
             }
-            const OpenString& outer = openStrings[--depth];
+            const OpenString& outer = tables.open[--depth];
             length = outer.length;
             count += outer.count;
             ended = length != IndefiniteLen && count >= length;
@@ -126,13 +126,10 @@ void copyPieces(uint8_t* target) {
 }
 
 void releaseStrStk() {
-    StrStk& s = currentStrStk();
-    std::free(s.stk);
-    std::free(openStrings);
-    s.stk = nullptr;
-    s.numElmts = s.nextFreeElmt = s.totalByteLen = 0;
-    openStrings = nullptr;
-    openCapacity = pieceCapacity = 0;
+    std::free(currentStrStk().stk);
+    std::free(currentStringTables().open);
+    currentStrStk() = emptyStrStk;
+    currentStringTables() = {};
 }
 
 } // namespace zyn

@@ -33,6 +33,7 @@ TEST(Print, Values) {
     EXPECT_EQ(printed(PrintAsnReal, 1234567.0), "1.23457e+06");
     EXPECT_EQ(printed(PrintAsnReal, -0.0), "-0");
     EXPECT_EQ(printed(PrintAsnOcts, octets("")), "''H  -- \"\" --");
+    EXPECT_EQ(printed<AsnOcts>(PrintAsnOcts, {9, nullptr}), "''H  -- \"\" --") << "an absent text has no octets";
     EXPECT_EQ(printed(PrintAsnOcts, octets("abc")), "'616263'H  -- \"abc\" --");
     using namespace std::string_view_literals;
     EXPECT_EQ(printed(PrintAsnOcts, octets("\0A"sv)), "'0041'H  -- \".A\" --");

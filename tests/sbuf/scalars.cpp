@@ -232,4 +232,21 @@ TEST(ErrorChannel, HandlersAreReplacedAndPutBack) {
     EXPECT_EQ(Asn1InstallErrorHandler(before), &Asn1DefaultErrorHandler) << "null installs the default handler";
 }
 
+// Handlers have a char*: they may cut off the line feed, say, and keep the text until the next message.
+TEST(ErrorChannel, HandlersMayWriteToTheText) {
+    static char* kept;
+    const Asn1ErrorHandler before = Asn1InstallErrorHandler([](char* text, int) {
+        text[7] = 0;
+        kept = text;
+    });
+    for (int i = 0; i < 2; ++i) {
+        SBuf b = readingBuffer(nullptr, 0);
+        AsnLen count = 0;
+        jmp_buf env;
+        if (setjmp(env) == 0) BDecTag(&b, &count, env);
+        EXPECT_STREQ(kept, "BDecTag");
+    }
+    Asn1InstallErrorHandler(before);
+}
+
 } // namespace

@@ -191,13 +191,13 @@ TEST(BitOperations, StayInsideTheString) {
 }
 
 TEST(Equivalence, AllBitsAndNoOthers) {
-    struct Row { int32_t len1; std::vector<uint8_t> bits1; int32_t len2; std::vector<uint8_t> bits2; int equal; };
-    Row rows[] = {
+    struct Pair { int32_t len1; std::vector<uint8_t> bits1; int32_t len2; std::vector<uint8_t> bits2; int equal; };
+    Pair rows[] = {
         {0, {0xFF}, 0, {0x00}, 1}, {8, {0xAB}, 8, {0xAB}, 1},   {8, {0xAB}, 7, {0xAB}, 0},
         {4, {0xAF}, 4, {0xA0}, 1}, {5, {0xAF}, 5, {0xA0}, 0},   {12, {0x11, 0xAF}, 12, {0x11, 0xA0}, 1},
         {12, {0x11, 0xA0}, 12, {0x12, 0xA0}, 0}, {12, {0x11, 0xB0}, 12, {0x11, 0xA0}, 0}, {1, {0x80}, 1, {0x00}, 0},
     };
-    for (Row& row : rows) {
+    for (Pair& row : rows) {
         AsnBits b1{row.len1, row.bits1.data()}, b2{row.len2, row.bits2.data()};
         EXPECT_EQ(AsnBitsEquiv(&b1, &b2), row.equal) << row.len1 << " bits of " << toHex(row.bits1);
     }
