@@ -1,6 +1,7 @@
 // The frames of the entry points: the same steps for all four envelopes.
 #include "zyn/messages.h"
 
+#include <bit>
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
@@ -9,8 +10,8 @@
 #include "api/way.h"
 #include "records/direct.h"
 #include "records/exact.h"
+#include "records/octets.h"
 #include "zyn/codes.h"
-#include "zyn/values.h"
 
 namespace zyn {
 namespace {
@@ -75,7 +76,15 @@ template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t leng
     return decodeExact(id, buffer, length, envelope);
 }
 
-constexpr int32_t userIdLength = 12; // characters that a request's sender gives
+// The 12 characters that a request's sender gives, without the blanks at their end: what ZynTextStrSet makes of them.
+AsnOcts trimmedUserId(const char* userId) {
+    const auto* octs = reinterpret_cast<const uint8_t*>(userId);
+    const uint32_t last = littleEndian(load<uint32_t>(octs + 8)) ^ 0x20202020;
+    const uint64_t first = littleEndian(load<uint64_t>(octs)) ^ 0x2020202020202020;
+    const uint32_t blanks = last != 0 ? static_cast<uint32_t>(std::countl_zero(last)) / 8
+                                      : 4 + static_cast<uint32_t>(std::countl_zero(first)) / 8;
+    return {12 - blanks, const_cast<uint8_t*>(octs)};
+}
 
 // A request's envelope lives in the call: only its text and its message are the caller's.
 template <TypeId id, typename Request, typename Choice>
@@ -85,7 +94,7 @@ uint32_t encodeRequest(const char* userId, Choice* Request::*member, void* messa
     choice.choiceId = choiceId;
     choice.slot = message;
     Request request;
-    ZynTextStrSet(&request.userId, userId, userIdLength);
+    request.userId = trimmedUserId(userId);
     request.*member = &choice;
     return encodeEnvelope<id>(&request, buffer, bufferLen);
 }

@@ -76,14 +76,30 @@ struct Measured {
     return {length, 1 + octets};
 }
 
-// The length in the first of rest octets at p. False: refused, or the value does not end inside rest.
+// The length in the first of rest octets at p. False: refused. Whether the value is there is for the caller to see.
 [[gnu::always_inline]] inline bool readLength(const uint8_t* p, std::size_t rest, Measured& measured) {
     measured = {*p, 1};
     if (measured.length >= 0x80) [[unlikely]] {
         measured = longLength(p, rest);
         if (measured.octets == 0) return false;
     }
-    return measured.length <= rest - measured.octets;
+    return true;
+}
+
+// The last length octets, 0 to 7 of them, of the word that ends at end, as a word whose other octets are 0.
+[[gnu::always_inline]] inline uint64_t lastOctets(const uint8_t* end, std::size_t length) {
+    return littleEndian(littleEndian(load<uint64_t>(end - 8)) >> 8 >> (56 - 8 * length));
+}
+
+// The octets of a string of more than one word, or so early in the message that a word would begin before it.
+[[gnu::noinline]] inline void copyLongString(uint8_t* to, const uint8_t* from, std::size_t length, const uint8_t* begin) {
+    if (length > 64 || std::size_t(from - begin) < 8) {
+        std::memcpy(to, from, length);
+        return;
+    }
+    const uint8_t* end = from + length;
+    for (; length >= 8; length -= 8, from += 8, to += 8) store(to, load<uint64_t>(from));
+    store(to, lastOctets(end, length));
 }
 
 // The octets of a primitive string with their closing 0 byte, in whole words: the last word is masked, so that it holds
@@ -93,14 +109,10 @@ struct Measured {
     if (!take(octs, at.free, length + 1, source)) return giveUp(at);
     text->octetLen = static_cast<uint32_t>(length);
     text->octs = octs;
-    const uint8_t* p = at.p;
+    const uint8_t* from = at.p;
     at.p += length;
-    if (length > 64 || std::size_t(at.p - source.begin) < 8) [[unlikely]] { // no word begins before the message
-        std::memcpy(octs, p, length);
-        return at;
-    }
-    for (; length >= 8; length -= 8, p += 8, octs += 8) store(octs, load<uint64_t>(p));
-    store(octs, littleEndian(littleEndian(load<uint64_t>(at.p - 8)) >> 1 >> (63 - 8 * length)));
+    if (length < 8 && std::size_t(from - source.begin) >= 8) [[likely]] store(octs, lastOctets(at.p, length));
+    else copyLongString(octs, from, length, source.begin);
     return at;
 }
 
@@ -153,7 +165,9 @@ template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, AsnList* list, So
         Measured measured;
         if (rest < 2 || *at.p != 0x30 || !readLength(at.p + 1, rest - 1, measured)) return giveUp(at);
         at.p += 1 + measured.octets;
-        rest -= 1 + measured.octets + measured.length;
+        rest -= 1 + measured.octets;
+        if (measured.length > rest) return giveUp(at);
+        rest -= measured.length;
         uint8_t* memory;
         uint8_t* value;
         if (!take(memory, at.free, sizeof(AsnListNode) + sizeof(void*), source)) return giveUp(at);
@@ -176,7 +190,7 @@ template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, AsnList* list, So
 // octet: the tag and, behind a tag of one octet, the length.
 struct Walk {
     Cursor at;
-    std::size_t rest; // octets of the record that are still to be read
+    std::ptrdiff_t rest; // octets of the record that are still to be read; below 0: more were read than there are
     Source& source;
     uint32_t head = 0;
 
@@ -185,9 +199,8 @@ struct Walk {
         return false;
     }
     [[gnu::always_inline]] bool consume(std::size_t octets) {
-        if (octets > rest) [[unlikely]] return failed();
-        rest -= octets;
-        return true;
+        rest -= static_cast<std::ptrdiff_t>(octets);
+        return rest >= 0 ? true : failed();
     }
     [[gnu::always_inline]] void readHead() { head = littleEndian(load<uint16_t>(at.p)); }
 };
@@ -198,9 +211,6 @@ template <TypeId id, std::size_t index>
     constexpr const Field& row = typeOf(id).fields[index];
     void* place = static_cast<char*>(record) + row.offset;
     Cursor& at = walk.at;
-    if constexpr (row.kind == Kind::Int) {
-        if (length - 1 > 3u) return walk.failed();
-    }
     if constexpr (row.pointer) {
         uint8_t* memory;
         if (!take(memory, at.free, typeOf(row.type).size, walk.source)) return walk.failed();
@@ -208,8 +218,14 @@ template <TypeId id, std::size_t index>
         place = memory;
     }
     if constexpr (row.kind == Kind::Int) {
-        *static_cast<AsnInt*>(place) = integerAt(at.p, length);
-        at.p += length;
+        // Most are one octet long. To guess that lets the next field begin before this one's length is known.
+        if (length == 1) [[likely]] {
+            *static_cast<AsnInt*>(place) = static_cast<int8_t>(*at.p++);
+        } else {
+            if (length - 1 > 3u) return walk.failed();
+            *static_cast<AsnInt*>(place) = integerAt(at.p, length);
+            at.p += length;
+        }
     } else if constexpr (row.kind == Kind::Bool) {
         *static_cast<AsnBool*>(place) = *at.p++ != 0;
     } else if constexpr (row.kind == Kind::Real) {
@@ -234,10 +250,9 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool choic
     if (!take(memory, walk.at.free, typeOf(row.type).size, walk.source)) return walk.failed();
     store(static_cast<char*>(record) + row.offset, memory);
     const uint8_t* start = walk.at.p;
-    walk.at = choice<row.type>(walk.at, walk.rest, reinterpret_cast<ChoiceRecord*>(memory), walk.source);
+    walk.at = choice<row.type>(walk.at, static_cast<std::size_t>(walk.rest), reinterpret_cast<ChoiceRecord*>(memory), walk.source);
     if (!walk.at.p) return false;
-    walk.rest -= std::size_t(walk.at.p - start);
-    return true;
+    return walk.consume(static_cast<std::size_t>(walk.at.p - start));
 }
 
 // Behind a field: on to the next tag, or to the end, if it may stand here and nothing is left.
@@ -271,10 +286,11 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool tagge
     if constexpr (isConstructed(row.kind) || isString(row.kind) || tagLength == 2) {
         Measured measured;
         if (tagLength == 2 && walk.rest < 3) return walk.failed();
-        if (!readLength(walk.at.p + tagLength, walk.rest - tagLength, measured)) return walk.failed();
+        const auto behindTag = static_cast<std::size_t>(walk.rest) - tagLength;
+        if (!readLength(walk.at.p + tagLength, behindTag, measured)) return walk.failed();
         walk.at.p += tagLength + measured.octets;
-        walk.rest -= tagLength + measured.octets + measured.length;
         length = measured.length;
+        if (!walk.consume(tagLength + measured.octets + length)) return false;
     } else {
         length = walk.head >> 8;
         walk.at.p += 2;
@@ -310,11 +326,10 @@ template <TypeId id> Cursor sequence(Cursor at, std::size_t length, void* record
     constexpr std::size_t count = typeOf(id).fields.size();
     if constexpr (count > 0) {
         if (length < 2) return typeOf(id).tail == 0 && length == 0 ? at : giveUp(at);
-        Walk walk{at, length, source};
+        Walk walk{at, static_cast<std::ptrdiff_t>(length), source};
         walk.readHead();
         fields<id>(walk, record, std::make_index_sequence<count>());
-        at = walk.at;
-        length = walk.rest;
+        return walk.rest == 0 ? walk.at : giveUp(walk.at);
     }
     return length == 0 ? at : giveUp(at);
 }
@@ -370,6 +385,7 @@ template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* re
     const std::size_t octets = tagOctets(tag);
     Measured measured;
     if (!readLength(at.p + octets, rest - octets, measured)) return giveUp(at);
+    if (measured.length > rest - octets - measured.octets) return giveUp(at);
     at.p += octets + measured.octets;
     return alternativeDecoders<id>[index](at, measured.length, record, source);
 }
@@ -383,6 +399,7 @@ template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void
     if constexpr (typeOf(id).shape == Shape::Sequence) {
         Measured measured;
         if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return false;
+        if (measured.length > length - 1 - measured.octets) return false;
         at.p += 1 + measured.octets;
         at = sequence<id>(at, measured.length, record, source);
     } else {

@@ -68,23 +68,47 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushHeader(uint8_t*
     return w;
 }
 
-// Up to 16 octets in two moves that overlap; none is read or written twice the length away.
-[[gnu::noinline]] inline void copyOctets(uint8_t* to, const uint8_t* from, std::size_t length) {
-    if (length >= 8 && length <= 16) {
-        const auto head = load<uint64_t>(from);
-        const auto tail = load<uint64_t>(from + length - 8);
-        store(to, head);
-        store(to + length - 8, tail);
-    } else if (length >= 4 && length < 8) {
+// Tag and length in front of a value of less than 128 octets.
+template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushShortHeader(uint8_t* w, std::size_t length) {
+    if constexpr (tagOctets(tag) == 1) {
+        store(w - 2, littleEndian(static_cast<uint16_t>(tag >> 24 | length << 8)));
+        return w - 2;
+    } else {
+        return pushHeader<tag>(w, length & 0x7F);
+    }
+}
+
+// A string with its length and a tag of one octet. Null: no room for it and for what else is needed in front of it.
+// Up to 16 octets go in two moves that overlap.
+[[gnu::noinline]] inline uint8_t* pushString(uint8_t* w, uint8_t* begin, const AsnOcts& text, std::size_t needed,
+                                             uint8_t tag) {
+    const std::size_t length = text.octetLen;
+    const uint8_t* from = text.octs;
+    if (!hasRoom(w, begin, needed + length)) [[unlikely]] return nullptr;
+    w -= length;
+    if (length >= 8) {
+        if (length <= 16) {
+            const auto head = load<uint64_t>(from);
+            const auto tail = load<uint64_t>(from + length - 8);
+            store(w, head);
+            store(w + length - 8, tail);
+        } else {
+            std::memcpy(w, from, length);
+        }
+    } else if (length >= 4) {
         const auto head = load<uint32_t>(from);
         const auto tail = load<uint32_t>(from + length - 4);
-        store(to, head);
-        store(to + length - 4, tail);
-    } else if (length < 4) {
-        for (std::size_t i = 0; i < length; ++i) to[i] = from[i];
-    } else {
-        std::memcpy(to, from, length);
+        store(w, head);
+        store(w + length - 4, tail);
+    } else if (length > 0) {
+        w[0] = from[0];
+        w[length / 2] = from[length / 2];
+        w[length - 1] = from[length - 1];
     }
+    if (length < 0x80) [[likely]] *--w = static_cast<uint8_t>(length);
+    else w = pushLongLength(w, length);
+    *--w = tag;
+    return w;
 }
 
 [[gnu::always_inline]] inline uint8_t* pushInteger(uint8_t* w, AsnInt value) {
@@ -92,19 +116,25 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushHeader(uint8_t*
     return w - signedOctets(value);
 }
 
-// A finite REAL. Null: a NaN, an infinity or what the caller made stand for one; the exact way knows how to treat them.
+// A finite REAL. Null: any other, which is the exact way's business.
 [[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, double value) {
     if (value == 0.0) return w;
-    if (value == PLUS_INFINITY || value == MINUS_INFINITY) return nullptr;
-    if ((std::bit_cast<uint64_t>(value) & 0x7FF0000000000000) == 0x7FF0000000000000) return nullptr;
+    if (value - value != 0.0) [[unlikely]] return nullptr;
     const RealParts parts = splitReal(value);
     store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
     w -= parts.octets;
     store(w - 2, bigEndian(static_cast<uint16_t>(parts.exponent)));
-    const unsigned exponentOctets = signedOctets(parts.exponent);
+    const unsigned exponentOctets = parts.exponent == static_cast<int8_t>(parts.exponent) ? 1 : 2;
     w -= exponentOctets;
     *--w = static_cast<uint8_t>((value < 0 ? 0xC0 : 0x80) + exponentOctets - 1);
     return w;
+}
+
+// An infinity that a caller made stand for another value is the exact way's business.
+inline bool infinitiesAreUsual() {
+    const auto plus = std::bit_cast<uint64_t>(PLUS_INFINITY), minus = std::bit_cast<uint64_t>(MINUS_INFINITY);
+    constexpr uint64_t sign = uint64_t{1} << 63, infinity = uint64_t{0x7FF} << significandBits;
+    return (plus | minus) == 0 || (plus == infinity && minus == (infinity | sign));
 }
 
 template <TypeId id> uint8_t* sequence(const void* record, uint8_t* w, uint8_t* begin);
@@ -138,29 +168,33 @@ template <TypeId id, std::size_t index>
         if constexpr (row.optional) {
             if (!value) return w;
         }
-        w = pushInteger(w, *static_cast<const AsnInt*>(value));
-        if constexpr (row.wrapped) w = pushHeader<integerTag>(w, std::size_t(after - w));
-        return pushHeader<row.tag>(w, std::size_t(after - w));
+        const AsnInt number = *static_cast<const AsnInt*>(value);
+        // Most are one octet long. To guess that lets the next field begin before this one's length is known.
+        if (number == static_cast<int8_t>(number)) [[likely]] {
+            *--w = static_cast<uint8_t>(number);
+            if constexpr (row.wrapped) w = pushShortHeader<integerTag>(w, 1);
+            return pushShortHeader<row.tag>(w, row.wrapped ? 3 : 1);
+        }
+        w = pushInteger(w, number);
+        if constexpr (row.wrapped) w = pushShortHeader<integerTag>(w, std::size_t(after - w));
+        return pushShortHeader<row.tag>(w, std::size_t(after - w));
     } else if constexpr (row.kind == Kind::Bool) {
         if constexpr (row.optional) {
             if (!value) return w;
         }
         *--w = *static_cast<const AsnBool*>(value) ? 0xFF : 0;
-        return pushHeader<row.tag>(w, 1);
+        return pushShortHeader<row.tag>(w, 1);
     } else if constexpr (row.kind == Kind::Real) {
         w = pushReal(w, *static_cast<const AsnReal*>(value));
-        return w ? pushHeader<row.tag>(w, std::size_t(after - w)) : nullptr;
+        return w ? pushShortHeader<row.tag>(w, std::size_t(after - w)) : nullptr;
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(value);
         if (!text->octs) {
             if (row.optional) return w;
             return text->octetLen == 0 ? pushHeader<row.tag>(w, 0) : nullptr;
         }
-        const std::size_t length = text->octetLen;
-        if (!hasRoom(w, begin, needed + length)) return nullptr;
-        w -= length;
-        copyOctets(w, text->octs, length);
-        return pushHeader<row.tag>(w, length);
+        static_assert(tagOctets(row.tag) == 1);
+        return pushString(w, begin, *text, needed, row.tag >> 24);
     } else if constexpr (row.kind == Kind::Bits) {
         const auto* bits = static_cast<const AsnBits*>(value);
         if (!bits->bits) {
@@ -171,7 +205,7 @@ template <TypeId id, std::size_t index>
         const std::size_t length = (std::size_t(bits->bitLen) + 7) / 8;
         if (!hasRoom(w, begin, needed + length)) return nullptr;
         w -= length;
-        copyOctets(w, bits->bits, length);
+        if (length > 0) std::memcpy(w, bits->bits, length);
         *--w = static_cast<uint8_t>(8 * length - std::size_t(bits->bitLen));
         return pushHeader<row.tag>(w, length + 1);
     } else {
@@ -217,9 +251,8 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
         w = pushInteger(w, record->number);
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(record->slot);
-        if (!text || !text->octs || !hasRoom(w, begin, text->octetLen)) return nullptr;
-        w -= text->octetLen;
-        copyOctets(w, text->octs, text->octetLen);
+        if (!text || !text->octs) return nullptr;
+        return pushString(w, begin, *text, 1 + longestLength, row.tag >> 24);
     } else if constexpr (row.kind == Kind::Choice) {
         if (!record->slot) return nullptr;
         w = choice<row.type>(static_cast<const ChoiceRecord*>(record->slot), w, begin);
@@ -246,6 +279,7 @@ template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uin
 }
 
 template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_t* end) {
+    if (!infinitiesAreUsual()) [[unlikely]] return nullptr;
     if constexpr (typeOf(id).shape == Shape::Choice) {
         return choice<id>(static_cast<const ChoiceRecord*>(message), end, begin);
     } else {

@@ -30,17 +30,21 @@ struct RealParts {
     int32_t exponent;
 };
 
+// The parts of a normal value from its bits and its stored exponent.
+inline RealParts splitNormal(uint64_t bits, int32_t stored) {
+    const uint64_t mantissa = bits << (63 - significandBits) | uint64_t{1} << 63;
+    const unsigned octets = 8 - static_cast<unsigned>(std::countr_zero(mantissa)) / 8;
+    return {mantissa, octets, stored - exponentBias + 1 - 8 * static_cast<int32_t>(octets)};
+}
+
 inline RealParts splitReal(double value) {
     const uint64_t bits = std::bit_cast<uint64_t>(value);
     const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
-    uint64_t significand = bits & ((uint64_t{1} << significandBits) - 1);
-    if (stored != 0) significand |= uint64_t{1} << significandBits;
-    // The value is the significand times 2 to the power of this; subnormal ones share the smallest normal exponent.
-    const int32_t power = (stored != 0 ? stored : 1) - exponentBias - significandBits;
-    const int shift = std::countl_zero(significand);
-    const uint64_t mantissa = significand << shift;
-    const unsigned octets = 8 - static_cast<unsigned>(std::countr_zero(mantissa)) / 8;
-    return {mantissa, octets, power - shift + 64 - 8 * static_cast<int32_t>(octets)};
+    if (stored != 0) [[likely]] return splitNormal(bits, stored);
+    // Subnormal: as a normal value whose exponent is lower by as much as the significand is moved up.
+    const uint64_t significand = bits & ((uint64_t{1} << significandBits) - 1);
+    const int shift = std::countl_zero(significand) - (63 - significandBits);
+    return splitNormal(significand << shift, 1 - shift);
 }
 
 } // namespace zyn
