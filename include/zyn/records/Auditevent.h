@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* The audit trail: groups of events, the types within them, and the events themselves. They are only
+ * queried. */
+
 typedef struct ZynAuditEventType ZynAuditEventType;
 typedef struct ZynAuditEvent ZynAuditEvent;
 typedef struct ZynAuditEventGroupReq ZynAuditEventGroupReq;
@@ -20,31 +23,35 @@ typedef struct ZynAuditEventTypeRep ZynAuditEventTypeRep;
 typedef struct ZynAuditEventReq ZynAuditEventReq;
 typedef struct ZynAuditEventRep ZynAuditEventRep;
 
+/* A group and a type within it; held by ZynAuditEvent and ZynAuditEventTypeRep. */
 struct ZynAuditEventType {
     AsnInt eventGroupId;
     AsnInt eventTypeId;
 };
 ZYN_RECORD(ZynAuditEventType);
 
+/* An event: auditEvent of ZynAuditEventRep. */
 struct ZynAuditEvent {
     AsnInt typeIndex;
-    ZynAuditEventType* eventType;
-    AsnDateTime* eventTime;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    ZynAuditEventType* eventType; /* an ENUMERATED in ZynControlEventRep */
+    AsnDateTime* eventTime; /* two INTEGERs in a SEQUENCE, as eventType is: only the order tells them apart */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
     AsnOcts toUserId; /* [1] OPTIONAL */
     AsnOcts toFirmId; /* [2] OPTIONAL */
     AsnOcts fromUserId; /* [3] OPTIONAL */
     ZynEventSubject* toWhat; /* [4] OPTIONAL */
     ZynEventSubject* toWhom; /* [5] OPTIONAL */
-    AsnOcts text;
+    AsnOcts text; /* required behind the OPTIONAL fields */
 };
 ZYN_RECORD(ZynAuditEvent);
 
+/* Asks for the groups of events: query 257, auditEventGroupReq. */
 struct ZynAuditEventGroupReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynAuditEventGroupReq);
 
+/* Reports a group of events: query reply 257, auditEventGroupRep. */
 struct ZynAuditEventGroupRep {
     AsnSequenceContext* seqContext;
     AsnInt eventGroupId;
@@ -52,28 +59,32 @@ struct ZynAuditEventGroupRep {
 };
 ZYN_RECORD(ZynAuditEventGroupRep);
 
+/* Asks for the types of events: query 258, auditEventTypeReq. */
 struct ZynAuditEventTypeReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynAuditEventTypeReq);
 
+/* Reports a type of events: query reply 258, auditEventTypeRep. */
 struct ZynAuditEventTypeRep {
     AsnSequenceContext* seqContext;
     AsnInt typeIndex;
     ZynAuditEventType* eventType;
     AsnOcts eventTypeDesc;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynAuditEventTypeRep);
 
+/* Asks for events: query 259, auditEventReq. */
 struct ZynAuditEventReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynAuditEventReq);
 
+/* Reports an event: query reply 259, auditEventRep. */
 struct ZynAuditEventRep {
     AsnSequenceContext* seqContext;
-    AsnInt* eventNum; /* OPTIONAL */
+    AsnInt* eventNum; /* OPTIONAL; without a context tag */
     ZynAuditEvent* auditEvent; /* [1] OPTIONAL */
 };
 ZYN_RECORD(ZynAuditEventRep);

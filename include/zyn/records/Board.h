@@ -10,34 +10,41 @@
 extern "C" {
 #endif
 
+/* Boards: listed by a query, suspended and unsuspended by transactions. The transactions give displayMode a
+ * context tag, unlike those for instruments and markets. */
+
 typedef struct ZynBoardReq ZynBoardReq;
 typedef struct ZynBoardRep ZynBoardRep;
 typedef struct ZynBoardSuspend ZynBoardSuspend;
 typedef struct ZynBoardUnsuspend ZynBoardUnsuspend;
 
+/* Asks for boards: query 261, boardReq. */
 struct ZynBoardReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynBoardReq);
 
+/* Reports a board: query reply 261, boardRep. */
 struct ZynBoardRep {
     AsnSequenceContext* seqContext;
     AsnOcts boardId;
     AsnInt boardStatus; /* ENUMERATED */
-    AsnBits orderMethods;
-    AsnOcts boardName; /* OPTIONAL */
+    AsnBits orderMethods; /* what each bit means is left to the peers */
+    AsnOcts boardName; /* OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynBoardRep);
 
+/* Suspends a board: transaction 390, boardSuspend. */
 struct ZynBoardSuspend {
     AsnOcts boardId;
-    AsnInt* displayMode; /* [1] OPTIONAL */
+    AsnInt* displayMode; /* [1] OPTIONAL; without a context tag for instruments and markets */
 };
 ZYN_RECORD(ZynBoardSuspend);
 
+/* Lifts the suspension of a board: transaction 391, boardUnsuspend. */
 struct ZynBoardUnsuspend {
     AsnOcts boardId;
-    AsnInt* displayMode; /* [1] OPTIONAL */
+    AsnInt* displayMode; /* [1] OPTIONAL; without a context tag for instruments and markets */
 };
 ZYN_RECORD(ZynBoardUnsuspend);
 

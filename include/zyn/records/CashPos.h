@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Positions in cash pools, each seen from one of three sides: account, firm or user. Changes are queried and
+ * limits set from each side; one more transaction loads a position for a firm. */
+
 typedef struct ZynCashPosChange ZynCashPosChange;
 typedef struct ZynCashPosChangeLimit ZynCashPosChangeLimit;
 typedef struct ZynCashPosChangeLimitForAcc ZynCashPosChangeLimitForAcc;
@@ -24,62 +27,71 @@ typedef struct ZynCashPosChangeByFirmRep ZynCashPosChangeByFirmRep;
 typedef struct ZynCashPosChangeByUserReq ZynCashPosChangeByUserReq;
 typedef struct ZynCashPosChangeByUserRep ZynCashPosChangeByUserRep;
 
+/* A position: changes of all three replies. */
 struct ZynCashPosChange {
     AsnOcts currId;
     AsnFixedReal* openBalance; /* [1] OPTIONAL */
-    AsnFixedReal* currentBalance;
+    AsnFixedReal* currentBalance; /* the first SEQUENCE without a context tag, the second is plannedBalance */
     AsnFixedReal* plannedBalance;
+    /* In ZynCashPosChangeLimit warnLimit comes first, under [1], and hardLimit is [4]. */
     AsnFixedReal* hardLimit; /* [2] OPTIONAL */
     AsnFixedReal* warnLimit; /* [3] OPTIONAL */
 };
 ZYN_RECORD(ZynCashPosChange);
 
+/* The limits to be set: limit of all three transactions. May be empty. */
 struct ZynCashPosChangeLimit {
-    AsnFixedReal* warnLimit; /* [1] OPTIONAL */
-    AsnBool* logWarnBreach; /* [3] OPTIONAL */
-    AsnFixedReal* hardLimit; /* [4] OPTIONAL */
-    AsnBool* allowHardBreach; /* [6] OPTIONAL */
+    AsnFixedReal* warnLimit; /* [1] OPTIONAL; [3] in ZynCashPosChange */
+    AsnBool* logWarnBreach; /* [3] OPTIONAL; [2] is not in use */
+    AsnFixedReal* hardLimit; /* [4] OPTIONAL; [2] in ZynCashPosChange */
+    AsnBool* allowHardBreach; /* [6] OPTIONAL; [5] is not in use */
 };
 ZYN_RECORD(ZynCashPosChangeLimit);
 
+/* Sets the limits of an account: transaction 392, cashPosChangeLimitForAcc. */
 struct ZynCashPosChangeLimitForAcc {
     ZynCashPosAccId* cashPosAccId;
     ZynCashPosChangeLimit* limit;
 };
 ZYN_RECORD(ZynCashPosChangeLimitForAcc);
 
+/* Sets the limits of a firm: transaction 393, cashPosChangeLimitForFirm. */
 struct ZynCashPosChangeLimitForFirm {
     ZynCashPosFirmId* cashPosFirmId;
     ZynCashPosChangeLimit* limit;
 };
 ZYN_RECORD(ZynCashPosChangeLimitForFirm);
 
+/* Sets the limits of a user: transaction 394, cashPosChangeLimitForUser. */
 struct ZynCashPosChangeLimitForUser {
     ZynCashPosUserId* cashPosUserId;
     ZynCashPosChangeLimit* limit;
 };
 ZYN_RECORD(ZynCashPosChangeLimitForUser);
 
+/* Loads a position for a firm: transaction 395, cashPosLoad. Names no cash pool. */
 struct ZynCashPosLoad {
     AsnOcts firmId;
     AsnBool bruteForce;
-    AsnOcts tag;
+    AsnOcts tag; /* a string of that name; no tag of the encoding */
     AsnFixedReal* balance;
     AsnFixedReal* limit1;
-    AsnBool limit1Set;
+    AsnBool limit1Set; /* belongs to limit1, as limit2Set belongs to limit2 */
     AsnFixedReal* limit2;
     AsnBool limit2Set;
 };
 ZYN_RECORD(ZynCashPosLoad);
 
+/* Asks for changes by account: query 262, cashPosChangeByAccReq. */
 struct ZynCashPosChangeByAccReq {
     AsnSequenceContext* seqContext;
     AsnOcts trdAccId; /* [1] OPTIONAL */
-    AsnOcts firmId; /* [2] OPTIONAL */
-    AsnOcts userId; /* [3] OPTIONAL */
+    AsnOcts firmId; /* [2] OPTIONAL; [1] in ZynCashPosChangeByFirmReq */
+    AsnOcts userId; /* [3] OPTIONAL; [1] in ZynCashPosChangeByUserReq */
 };
 ZYN_RECORD(ZynCashPosChangeByAccReq);
 
+/* Reports a position by account: query reply 262, cashPosChangeByAccRep. */
 struct ZynCashPosChangeByAccRep {
     AsnSequenceContext* seqContext;
     ZynCashPosAccId* cashPosAccId;
@@ -87,12 +99,14 @@ struct ZynCashPosChangeByAccRep {
 };
 ZYN_RECORD(ZynCashPosChangeByAccRep);
 
+/* Asks for changes by firm: query 263, cashPosChangeByFirmReq. */
 struct ZynCashPosChangeByFirmReq {
     AsnSequenceContext* seqContext;
-    AsnOcts firmId; /* [1] OPTIONAL */
+    AsnOcts firmId; /* [1] OPTIONAL; [2] in the requests by account and by user */
 };
 ZYN_RECORD(ZynCashPosChangeByFirmReq);
 
+/* Reports a position by firm: query reply 263, cashPosChangeByFirmRep. */
 struct ZynCashPosChangeByFirmRep {
     AsnSequenceContext* seqContext;
     ZynCashPosFirmId* cashPosFirmId;
@@ -100,17 +114,19 @@ struct ZynCashPosChangeByFirmRep {
 };
 ZYN_RECORD(ZynCashPosChangeByFirmRep);
 
+/* Asks for changes by user: query 264, cashPosChangeByUserReq. */
 struct ZynCashPosChangeByUserReq {
     AsnSequenceContext* seqContext;
-    AsnOcts userId; /* [1] OPTIONAL */
-    AsnOcts firmId; /* [2] OPTIONAL */
+    AsnOcts userId; /* [1] OPTIONAL; [3] in ZynCashPosChangeByAccReq */
+    AsnOcts firmId; /* [2] OPTIONAL; [1] in ZynCashPosChangeByFirmReq */
 };
 ZYN_RECORD(ZynCashPosChangeByUserReq);
 
+/* Reports a position by user: query reply 264, cashPosChangeByUserRep. */
 struct ZynCashPosChangeByUserRep {
     AsnSequenceContext* seqContext;
     ZynCashPosUserId* cashPosUserId;
-    AsnOcts firmId;
+    AsnOcts firmId; /* here alone: the key of this side names no firm */
     ZynCashPosChange* changes;
 };
 ZYN_RECORD(ZynCashPosChangeByUserRep);

@@ -10,38 +10,46 @@
 extern "C" {
 #endif
 
+/* Depository accounts: listed by a query, validated, suspended and unsuspended by transactions. The query has
+ * a bare seqNum in place of a sequence context. */
+
 typedef struct ZynDepAccReq ZynDepAccReq;
 typedef struct ZynDepAccRep ZynDepAccRep;
 typedef struct ZynDepAccValidate ZynDepAccValidate;
 typedef struct ZynDepAccSuspend ZynDepAccSuspend;
 typedef struct ZynDepAccUnsuspend ZynDepAccUnsuspend;
 
+/* Asks for depository accounts: query 265, depAccReq. */
 struct ZynDepAccReq {
     AsnInt seqNum;
 };
 ZYN_RECORD(ZynDepAccReq);
 
+/* Reports a depository account: query reply 265, depAccRep. */
 struct ZynDepAccRep {
     AsnInt seqNum;
-    AsnOcts depAccId;
+    AsnOcts depAccId; /* depaccId in ZynTrdAccDetailsRep */
     AsnInt depAccStatus; /* ENUMERATED */
 };
 ZYN_RECORD(ZynDepAccRep);
 
+/* Validates a depository account: transaction 396, depAccValidate. */
 struct ZynDepAccValidate {
     AsnOcts depAccId;
 };
 ZYN_RECORD(ZynDepAccValidate);
 
+/* Suspends a depository account: transaction 397, depAccSuspend. */
 struct ZynDepAccSuspend {
     AsnOcts depAccId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynDepAccSuspend);
 
+/* Lifts the suspension of a depository account: transaction 398, depAccUnsuspend. */
 struct ZynDepAccUnsuspend {
     AsnOcts depAccId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynDepAccUnsuspend);
 

@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Firms: listed by a query in two halves, suspended and unsuspended by transactions. The transactions have a
+ * message text and may have a time, which those for users, boards, markets, instruments and accounts lack. */
+
 typedef struct ZynFirmRepDynamic ZynFirmRepDynamic;
 typedef struct ZynFirmRepStatic ZynFirmRepStatic;
 typedef struct ZynFirmReq ZynFirmReq;
@@ -18,54 +21,63 @@ typedef struct ZynFirmRep ZynFirmRep;
 typedef struct ZynFirmSuspend ZynFirmSuspend;
 typedef struct ZynFirmUnsuspend ZynFirmUnsuspend;
 
+/* The half of a firm report that changes: dynamics of ZynFirmRep. */
 struct ZynFirmRepDynamic {
     AsnInt firmStatus; /* ENUMERATED */
     AsnInt* usersLoggedIn; /* [1] OPTIONAL */
+    /* [2] to [5] are [7] to [10] in ZynUserRepDynamic. */
     ZynSurvStats* buyOrderStats; /* [2] OPTIONAL */
     ZynSurvStats* sellOrderStats; /* [3] OPTIONAL */
     ZynSurvStats* buyTradeStats; /* [4] OPTIONAL */
     ZynSurvStats* sellTradeStats; /* [5] OPTIONAL */
+    /* required behind the OPTIONAL fields; told from firmStatus by its place */
     AsnInt closeOutStatus; /* ENUMERATED */
 };
 ZYN_RECORD(ZynFirmRepDynamic);
 
+/* The half of a firm report that stays: statics of ZynFirmRep. */
 struct ZynFirmRepStatic {
     AsnOcts firmName;
-    AsnOcts firmType;
+    AsnOcts firmType; /* a string, whereas firmClass is an ENUMERATED */
     AsnInt firmClass; /* ENUMERATED */
+    /* In ZynUserRepStatic these two are [3] and [4]. */
     AsnOcts contactDetail; /* [1] OPTIONAL */
     AsnOcts freeText; /* [2] OPTIONAL */
     AsnOcts clearingFirmName; /* [3] OPTIONAL */
-    AsnOcts clearingCode;
+    AsnOcts clearingCode; /* required behind the OPTIONAL fields */
 };
 ZYN_RECORD(ZynFirmRepStatic);
 
+/* Asks for firms: query 266, firmReq. */
 struct ZynFirmReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynFirmReq);
 
+/* Reports a firm: query reply 266, firmRep. */
 struct ZynFirmRep {
     AsnSequenceContext* seqContext;
-    AsnOcts firmId; /* OPTIONAL */
+    AsnOcts firmId; /* OPTIONAL; without a context tag */
     ZynFirmRepStatic* statics; /* [1] OPTIONAL */
     ZynFirmRepDynamic* dynamics; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynFirmRep);
 
+/* Suspends a firm: transaction 402, firmSuspend. */
 struct ZynFirmSuspend {
     AsnOcts firmId;
-    AsnDateTime* time; /* [1] OPTIONAL */
+    AsnDateTime* time; /* [1] OPTIONAL; has a context tag, unlike the time of ZynTESuspend */
     AsnOcts messageText;
-    AsnInt* displayMode; /* [2] OPTIONAL */
+    AsnInt* displayMode; /* [2] OPTIONAL; [1] for boards; without a context tag for users */
 };
 ZYN_RECORD(ZynFirmSuspend);
 
+/* Lifts the suspension of a firm: transaction 403, firmUnsuspend. */
 struct ZynFirmUnsuspend {
     AsnOcts firmId;
-    AsnDateTime* time; /* [1] OPTIONAL */
+    AsnDateTime* time; /* [1] OPTIONAL; has a context tag, unlike the time of ZynTEUnsuspend */
     AsnOcts messageText;
-    AsnInt* displayMode; /* [2] OPTIONAL */
+    AsnInt* displayMode; /* [2] OPTIONAL; [1] for boards; without a context tag for users */
 };
 ZYN_RECORD(ZynFirmUnsuspend);
 

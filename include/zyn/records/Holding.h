@@ -10,6 +10,9 @@
 extern "C" {
 #endif
 
+/* Holdings of securities: their changes are queried, and transactions update, freeze, pledge and transfer
+ * quantities. A quantity has 32 bits; the query has a bare seqNum in place of a sequence context. */
+
 typedef struct ZynHoldingChangeReq ZynHoldingChangeReq;
 typedef struct ZynHoldingChangeRep ZynHoldingChangeRep;
 typedef struct ZynHoldingUpdateQty ZynHoldingUpdateQty;
@@ -17,18 +20,21 @@ typedef struct ZynHoldingFreeze ZynHoldingFreeze;
 typedef struct ZynHoldingPledge ZynHoldingPledge;
 typedef struct ZynHoldingTransfer ZynHoldingTransfer;
 
+/* Asks for changes of holdings: query 268, holdingChangeReq. */
 struct ZynHoldingChangeReq {
     AsnInt seqNum;
+    /* Filters; in the reply both are required and have no context tags. */
     AsnOcts firmId; /* [1] OPTIONAL */
     AsnOcts secCode; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynHoldingChangeReq);
 
+/* Reports a holding: query reply 268, holdingChangeRep. */
 struct ZynHoldingChangeRep {
     AsnInt seqNum;
     AsnOcts firmId;
     AsnOcts secCode;
-    AsnInt* settledQty; /* [1] OPTIONAL */
+    AsnInt* settledQty; /* [1] OPTIONAL; the only OPTIONAL field, and the only one with a context tag */
     AsnInt totalQty;
     AsnInt planBuyQty;
     AsnInt planSellQty;
@@ -40,6 +46,7 @@ struct ZynHoldingChangeRep {
 };
 ZYN_RECORD(ZynHoldingChangeRep);
 
+/* Updates the quantities of a holding: transaction 475, holdingUpdateQty. */
 struct ZynHoldingUpdateQty {
     AsnOcts depAccId;
     AsnOcts firmId;
@@ -50,30 +57,33 @@ struct ZynHoldingUpdateQty {
 };
 ZYN_RECORD(ZynHoldingUpdateQty);
 
+/* Freezes a quantity: transaction 472, holdingFreeze. */
 struct ZynHoldingFreeze {
     AsnOcts depAccId;
     AsnOcts firmId;
     AsnOcts secCode;
-    AsnInt* holdingType; /* ENUMERATED OPTIONAL */
+    AsnInt* holdingType; /* ENUMERATED OPTIONAL; without a context tag, ahead of a required field */
     AsnInt quantity;
 };
 ZYN_RECORD(ZynHoldingFreeze);
 
+/* Pledges a quantity to another firm: transaction 473, holdingPledge. */
 struct ZynHoldingPledge {
     AsnOcts depAccId;
     AsnOcts fromFirmId;
     AsnOcts secCode;
-    AsnInt* holdingType; /* ENUMERATED OPTIONAL */
+    AsnInt* holdingType; /* ENUMERATED OPTIONAL; without a context tag, ahead of required fields */
     AsnOcts toFirmId;
     AsnInt quantity;
 };
 ZYN_RECORD(ZynHoldingPledge);
 
+/* Transfers a quantity to another account and firm: transaction 474, holdingTransfer. */
 struct ZynHoldingTransfer {
-    AsnOcts fromDepAccId;
+    AsnOcts fromDepAccId; /* depAccId in the other transactions */
     AsnOcts fromFirmId;
     AsnOcts secCode;
-    AsnInt* holdingType; /* ENUMERATED OPTIONAL */
+    AsnInt* holdingType; /* ENUMERATED OPTIONAL; without a context tag, ahead of required fields */
     AsnOcts toDepAccId;
     AsnOcts toFirmId;
     AsnInt quantity;

@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Market indices: their list and their current values are queried, the divisor of an index and the weight of
+ * a member are set by transactions. None of the queries has a sequence context. */
+
 typedef struct ZynIndexValRepSetOfSeq ZynIndexValRepSetOfSeq;
 typedef struct ZynIndexReq ZynIndexReq;
 typedef struct ZynIndexRep ZynIndexRep;
@@ -19,25 +22,31 @@ typedef struct ZynIndexValRep ZynIndexValRep;
 typedef struct ZynIndexSetDivisor ZynIndexSetDivisor;
 typedef struct ZynIndexSecBoardSetWeight ZynIndexSecBoardSetWeight;
 
+/* The values of one index: element of ZynIndexValRepSetOf. It names no index. */
 struct ZynIndexValRepSetOfSeq {
     AsnFixedReal* value;
-    AsnFixedReal* high;
+    AsnFixedReal* high; /* ahead of low, the reverse of ZynIndexRep */
     AsnFixedReal* low;
 };
 ZYN_RECORD(ZynIndexValRepSetOfSeq);
 
+/* The values of the indices, known by their places in the list: valuesList of ZynIndexValRep. */
 typedef AsnList ZynIndexValRepSetOf; /* of ZynIndexValRepSetOfSeq */
 ZYN_RECORD(ZynIndexValRepSetOf);
 
+/* Asks for indices: query 269, indexReq. */
 struct ZynIndexReq {
-    AsnInt seqNum;
+    AsnInt seqNum; /* a bare number, no sequence context */
 };
 ZYN_RECORD(ZynIndexReq);
 
+/* Reports an index: query reply 269, indexRep. */
 struct ZynIndexRep {
     AsnInt seqNum;
-    AsnOcts indexSecShortName;
+    AsnOcts indexSecShortName; /* the transactions name an index by indexSecCode */
     AsnOcts indexBoardName;
+    /* Three SEQUENCEs of one kind, told apart by their order: low ahead of high, the reverse of
+     * ZynIndexValRepSetOfSeq. */
     AsnFixedReal* low;
     AsnFixedReal* high;
     AsnFixedReal* last;
@@ -45,26 +54,30 @@ struct ZynIndexRep {
 };
 ZYN_RECORD(ZynIndexRep);
 
+/* Asks for the current index values: query 270, indexValReq. No content. */
 struct ZynIndexValReq {
     char unused;
 };
 ZYN_RECORD(ZynIndexValReq);
 
+/* Reports the current index values: query reply 270, indexValRep. */
 struct ZynIndexValRep {
     ZynIndexValRepSetOf* valuesList;
 };
 ZYN_RECORD(ZynIndexValRep);
 
+/* Sets the divisor of an index: transaction 404, indexSetDivisor. */
 struct ZynIndexSetDivisor {
     AsnOcts indexSecCode;
-    AsnReal divisor;
+    AsnReal divisor; /* a bare REAL, not an AsnFixedReal */
 };
 ZYN_RECORD(ZynIndexSetDivisor);
 
+/* Sets the weight of a security on a board in an index: transaction 405, indexSecBoardSetWeight. */
 struct ZynIndexSecBoardSetWeight {
     AsnOcts indexSecCode;
-    ZynSecBoardId* memberSecboardId;
-    AsnReal weight;
+    ZynSecBoardId* memberSecboardId; /* spelt with a small b, here alone */
+    AsnReal weight; /* a bare REAL, not an AsnFixedReal */
 };
 ZYN_RECORD(ZynIndexSecBoardSetWeight);
 

@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Instruments, and the pairs of instrument and board: both are listed by queries. Transactions suspend and
+ * unsuspend instruments. */
+
 typedef struct ZynInstrReq ZynInstrReq;
 typedef struct ZynInstrRep ZynInstrRep;
 typedef struct ZynInstrSuspend ZynInstrSuspend;
@@ -18,39 +21,46 @@ typedef struct ZynInstrUnsuspend ZynInstrUnsuspend;
 typedef struct ZynInstrBoardReq ZynInstrBoardReq;
 typedef struct ZynInstrBoardRep ZynInstrBoardRep;
 
+/* Asks for instruments: query 271, instrReq. */
 struct ZynInstrReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynInstrReq);
 
+/* Reports an instrument: query reply 271, instrRep. */
 struct ZynInstrRep {
     AsnSequenceContext* seqContext;
     AsnOcts instrId;
-    AsnOcts instrName; /* [1] OPTIONAL */
+    AsnOcts instrName; /* [1] OPTIONAL; has a context tag, unlike the names of boards and markets */
     AsnInt instrStatus; /* ENUMERATED */
+    /* an ENUMERATED in spite of its name, told from instrStatus by its place */
     AsnInt secClassId; /* ENUMERATED */
     AsnOcts spreadLeg1InstrId; /* [2] OPTIONAL */
-    AsnOcts spreadLeg2InstrId; /* [3] OPTIONAL */
+    AsnOcts spreadLeg2InstrId; /* [3] OPTIONAL; may stand without the first leg */
 };
 ZYN_RECORD(ZynInstrRep);
 
+/* Suspends an instrument: transaction 406, instrSuspend. */
 struct ZynInstrSuspend {
     AsnOcts instrId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag; [1] for boards */
 };
 ZYN_RECORD(ZynInstrSuspend);
 
+/* Lifts the suspension of an instrument: transaction 407, instrUnsuspend. */
 struct ZynInstrUnsuspend {
     AsnOcts instrId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag; [1] for boards */
 };
 ZYN_RECORD(ZynInstrUnsuspend);
 
+/* Asks for the pairs of instrument and board: query 328, instrBoardReq. */
 struct ZynInstrBoardReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynInstrBoardReq);
 
+/* Reports a pair of instrument and board: query reply 328, instrBoardRep. */
 struct ZynInstrBoardRep {
     AsnSequenceContext* seqContext;
     ZynInstrBoardId* instrBoardId;

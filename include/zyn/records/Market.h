@@ -10,33 +10,40 @@
 extern "C" {
 #endif
 
+/* Markets: listed by a query, suspended and unsuspended by transactions. Lifting a suspension has the lower
+ * number of the two, the other way round than for boards and instruments. */
+
 typedef struct ZynMarketReq ZynMarketReq;
 typedef struct ZynMarketRep ZynMarketRep;
 typedef struct ZynMarketUnsuspend ZynMarketUnsuspend;
 typedef struct ZynMarketSuspend ZynMarketSuspend;
 
+/* Asks for markets: query 275, marketReq. */
 struct ZynMarketReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynMarketReq);
 
+/* Reports a market: query reply 275, marketRep. */
 struct ZynMarketRep {
     AsnSequenceContext* seqContext;
     AsnOcts marketId;
-    AsnOcts marketName; /* OPTIONAL */
+    AsnOcts marketName; /* OPTIONAL; without a context tag: a second string behind marketId */
     AsnInt marketStatus; /* ENUMERATED */
 };
 ZYN_RECORD(ZynMarketRep);
 
+/* Lifts the suspension of a market: transaction 408, marketUnsuspend. */
 struct ZynMarketUnsuspend {
     AsnOcts marketId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag; [1] for boards */
 };
 ZYN_RECORD(ZynMarketUnsuspend);
 
+/* Suspends a market: transaction 409, marketSuspend. */
 struct ZynMarketSuspend {
     AsnOcts marketId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag; [1] for boards */
 };
 ZYN_RECORD(ZynMarketSuspend);
 

@@ -10,6 +10,9 @@
 extern "C" {
 #endif
 
+/* Messages, which may be addressed to a user or a firm: added, edited, removed and listed; and the templates
+ * for them. The three records that hold a message give its fields different tags. */
+
 typedef struct ZynMessageTemplateReq ZynMessageTemplateReq;
 typedef struct ZynMessageTemplateRep ZynMessageTemplateRep;
 typedef struct ZynMessageAdd ZynMessageAdd;
@@ -18,11 +21,13 @@ typedef struct ZynMessageRemove ZynMessageRemove;
 typedef struct ZynMessageReq ZynMessageReq;
 typedef struct ZynMessageRep ZynMessageRep;
 
+/* Asks for templates: query 260, messageTemplateReq. */
 struct ZynMessageTemplateReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynMessageTemplateReq);
 
+/* Reports a template: query reply 260, messageTemplateRep. */
 struct ZynMessageTemplateRep {
     AsnSequenceContext* seqContext;
     AsnOcts templateName;
@@ -30,18 +35,22 @@ struct ZynMessageTemplateRep {
 };
 ZYN_RECORD(ZynMessageTemplateRep);
 
+/* Adds a message: transaction 387, messageAdd. */
 struct ZynMessageAdd {
+    /* [1] to [4] are [3] to [6] in ZynMessageRep. */
     AsnOcts toUserId; /* [1] OPTIONAL */
     AsnOcts toFirmId; /* [2] OPTIONAL */
     AsnInt* displayMode; /* [3] OPTIONAL */
     AsnDateTime* timeToSend; /* [4] OPTIONAL */
-    AsnBool toDatafeed;
-    AsnOcts messageText;
+    AsnBool toDatafeed; /* [5] in ZynMessageEdit, [7] in ZynMessageRep; toDataFeed in ZynNewsItem */
+    AsnOcts messageText; /* [6] in ZynMessageEdit, [8] in ZynMessageRep */
 };
 ZYN_RECORD(ZynMessageAdd);
 
+/* Changes a message: transaction 388, messageEdit. Gives only what changes. */
 struct ZynMessageEdit {
     AsnInt msgId;
+    /* [1] to [6] are [3] to [8] in ZynMessageRep. */
     AsnOcts toUserId; /* [1] OPTIONAL */
     AsnOcts toFirmId; /* [2] OPTIONAL */
     AsnInt* displayMode; /* [3] OPTIONAL */
@@ -51,28 +60,32 @@ struct ZynMessageEdit {
 };
 ZYN_RECORD(ZynMessageEdit);
 
+/* Removes a message: transaction 389, messageRemove. */
 struct ZynMessageRemove {
     AsnInt msgId;
 };
 ZYN_RECORD(ZynMessageRemove);
 
+/* Asks for messages: query 273, messageReq. */
 struct ZynMessageReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynMessageReq);
 
+/* Reports a message: query reply 273, messageRep. */
 struct ZynMessageRep {
     AsnSequenceContext* seqContext;
     AsnInt msgId;
     AsnInt status; /* ENUMERATED */
     AsnOcts fromFirmId; /* [1] OPTIONAL */
     AsnOcts fromUserId; /* [2] OPTIONAL */
+    /* [3] to [6] are [1] to [4] in ZynMessageAdd and ZynMessageEdit. */
     AsnOcts toUserId; /* [3] OPTIONAL */
     AsnOcts toFirmId; /* [4] OPTIONAL */
     AsnInt* displayMode; /* [5] OPTIONAL */
     AsnDateTime* timeToSend; /* [6] OPTIONAL */
-    AsnBool* toDatafeed; /* [7] OPTIONAL */
-    AsnOcts messageText; /* [8] OPTIONAL */
+    AsnBool* toDatafeed; /* [7] OPTIONAL; [5] in ZynMessageEdit; no context tag in ZynMessageAdd */
+    AsnOcts messageText; /* [8] OPTIONAL; [6] in ZynMessageEdit; no context tag in ZynMessageAdd */
     AsnInt* controlEventId; /* [9] OPTIONAL */
 };
 ZYN_RECORD(ZynMessageRep);

@@ -11,6 +11,10 @@
 extern "C" {
 #endif
 
+/* What concerns the system as a whole: statistics, control events, languages, the time, opening, closing and
+ * suspending the TE, timer events, full tables, stepping through the transaction log and external messages;
+ * and the replies to transactions. */
+
 typedef struct ZynStatsRepStatic ZynStatsRepStatic;
 typedef struct ZynStatsRepDynamic ZynStatsRepDynamic;
 typedef struct ZynControlEventReq ZynControlEventReq;
@@ -38,7 +42,9 @@ typedef struct ZynReplyBad ZynReplyBad;
 typedef struct ZynReplyOK ZynReplyOK;
 typedef struct ZynNull ZynNull;
 
+/* The half of the statistics that stays: statics of ZynStatsRep. */
 struct ZynStatsRepStatic {
+    /* Twenty-five INTEGERs in a row, told apart by their order. */
     AsnInt statsVersion;
     AsnInt numBoard;
     AsnInt numCurrency;
@@ -66,66 +72,74 @@ struct ZynStatsRepStatic {
     AsnInt maxLegsPerMulti;
     AsnOcts currencyId; /* [1] OPTIONAL */
     AsnInt* currDecimals; /* [2] OPTIONAL */
-    AsnOcts firmId;
+    AsnOcts firmId; /* required behind the OPTIONAL fields */
     AsnOcts userRole;
 };
 ZYN_RECORD(ZynStatsRepStatic);
 
+/* The half of the statistics that changes: dynamics of ZynStatsRep. */
 struct ZynStatsRepDynamic {
     AsnOcts sessionName;
     AsnInt teStatus; /* ENUMERATED */
     AsnInt accessVersion;
     AsnOcts lastTradeNo; /* [1] OPTIONAL */
     AsnOcts lastOrderNo; /* [2] OPTIONAL */
-    AsnInt teTradingStatus; /* ENUMERATED */
+    AsnInt teTradingStatus; /* ENUMERATED; required behind the OPTIONAL fields */
     AsnDateTime* logTime;
     AsnInt successTxns;
     AsnInt rejectTxns;
 };
 ZYN_RECORD(ZynStatsRepDynamic);
 
+/* Asks for control events: query 277, controlEventReq. */
 struct ZynControlEventReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynControlEventReq);
 
+/* Reports a control event: query reply 277, controlEventRep. */
 struct ZynControlEventRep {
     AsnSequenceContext* seqContext;
     AsnInt eventId;
     AsnDateTime* eventTime;
-    AsnInt eventType; /* ENUMERATED */
+    AsnInt eventType; /* ENUMERATED; a SEQUENCE in ZynAuditEvent */
     AsnOcts userId;
     AsnInt msgId;
-    ZynEventSubject* subject; /* [0] OPTIONAL */
+    ZynEventSubject* subject; /* [0] OPTIONAL; the tags start at [0] */
     AsnInt status; /* ENUMERATED */
     AsnFixedReal* value1; /* [1] OPTIONAL */
     AsnFixedReal* value2; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynControlEventRep);
 
+/* Removes a control event: transaction 410, controlEventRemove. */
 struct ZynControlEventRemove {
     AsnInt controlEventId;
 };
 ZYN_RECORD(ZynControlEventRemove);
 
+/* Asks for statistics: query 278, statsReq. */
 struct ZynStatsReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynStatsReq);
 
+/* Reports statistics: query reply 278, statsRep. */
 struct ZynStatsRep {
     AsnSequenceContext* seqContext;
-    AsnOcts dummyKey;
+    AsnOcts dummyKey; /* required, whatever it holds */
     ZynStatsRepStatic* statics; /* [1] OPTIONAL */
     ZynStatsRepDynamic* dynamics; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynStatsRep);
 
+/* Asks for languages: query 279, languageReq. */
 struct ZynLanguageReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynLanguageReq);
 
+/* Reports a language: query reply 279, languageRep. */
 struct ZynLanguageRep {
     AsnSequenceContext* seqContext;
     AsnOcts languageId;
@@ -133,85 +147,103 @@ struct ZynLanguageRep {
 };
 ZYN_RECORD(ZynLanguageRep);
 
+/* Asks for the time of the system: query 280, sysTimeReq. No content, no sequence context either. */
 struct ZynSysTimeReq {
     char unused;
 };
 ZYN_RECORD(ZynSysTimeReq);
 
+/* Reports the time of the system: query reply 280, sysTimeRep. */
 struct ZynSysTimeRep {
     AsnDateTime* currentTime;
+    /* The units of both are left to the peers. */
     AsnInt currentTimeT;
     AsnInt systemTime;
 };
 ZYN_RECORD(ZynSysTimeRep);
 
+/* Opens the TE: transaction 411, teOpen. No content. */
 struct ZynTEOpen {
     char unused;
 };
 ZYN_RECORD(ZynTEOpen);
 
+/* Closes the TE: transaction 412, teClose. No content. */
 struct ZynTEClose {
     char unused;
 };
 ZYN_RECORD(ZynTEClose);
 
+/* Suspends the TE: transaction 413, teSuspend. May be empty. */
 struct ZynTESuspend {
+    /* Three OPTIONAL fields without context tags, each told by the tag of its type. */
     AsnDateTime* time; /* OPTIONAL */
     AsnOcts messageText; /* OPTIONAL */
     AsnInt* displayMode; /* ENUMERATED OPTIONAL */
 };
 ZYN_RECORD(ZynTESuspend);
 
+/* Lifts the suspension of the TE: transaction 414, teUnsuspend. May be empty. */
 struct ZynTEUnsuspend {
+    /* Three OPTIONAL fields without context tags, each told by the tag of its type. */
     AsnDateTime* time; /* OPTIONAL */
     AsnOcts messageText; /* OPTIONAL */
     AsnInt* displayMode; /* ENUMERATED OPTIONAL */
 };
 ZYN_RECORD(ZynTEUnsuspend);
 
+/* Has a timer event executed: transaction 415, timerEventExecute. */
 struct ZynTimerEventExecute {
     AsnInt timerEventIdx;
-    AsnInt seqNum;
+    AsnInt seqNum; /* a bare number, no sequence context */
 };
 ZYN_RECORD(ZynTimerEventExecute);
 
+/* Gives notice of a full table: transaction 416, tableFullAECreate. */
 struct ZynTableFullAECreate {
     AsnOcts tableName;
 };
 ZYN_RECORD(ZynTableFullAECreate);
 
+/* How far to step through the transaction log: transaction 417, transLogStepThrough. An alternative keeps its
+ * own tag and length inside those of the transaction. */
 struct ZynTransLogStepThrough {
     uint32_t choiceId;
     union {
         AsnInt numTransactions; /* 0 */
         AsnDateTime* untilTime; /* 1 */
-        AsnInt forTimePeriod; /* 2 */
+        AsnInt forTimePeriod; /* 2; in a unit left to the peers */
         void* slot;
     };
 };
 ZYN_RECORD(ZynTransLogStepThrough);
 
+/* Adds an external message: transaction 470, externalMsgAdd. */
 struct ZynExternalMsgAdd {
     AsnOcts originator;
     AsnOcts firmId; /* [1] OPTIONAL */
     AsnOcts userId; /* [2] OPTIONAL */
-    AsnOcts externalMsg;
+    AsnOcts externalMsg; /* required behind the OPTIONAL fields */
 };
 ZYN_RECORD(ZynExternalMsgAdd);
 
+/* Deletes external messages: transaction 471, externalMsgDelete. No content, so that none is named. */
 struct ZynExternalMsgDelete {
     char unused;
 };
 ZYN_RECORD(ZynExternalMsgDelete);
 
+/* Asks for external messages: query 324, externalMsgReq. */
 struct ZynExternalMsgReq {
     AsnInt seqNum;
-    AsnOcts originator; /* OPTIONAL */
+    AsnOcts originator; /* OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynExternalMsgReq);
 
+/* Reports an external message: query reply 324, externalMsgRep. */
 struct ZynExternalMsgRep {
     AsnInt seqNum;
+    /* There is neither firmId nor userId, unlike in ZynExternalMsgAdd. */
     AsnDateTime* time;
     AsnOcts originator;
     AsnOcts externalMsg;

@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Changes of market summaries for a security on a board: its price and volume, a firm's value and volume, a
+ * user's traded quantities. They are only queried; a bare seqNum stands in place of a sequence context. */
+
 typedef struct ZynMktSummByPriceChangeReq ZynMktSummByPriceChangeReq;
 typedef struct ZynMktSummByPriceChangeRep ZynMktSummByPriceChangeRep;
 typedef struct ZynMktSummByFirmChangeReq ZynMktSummByFirmChangeReq;
@@ -18,50 +21,58 @@ typedef struct ZynMktSummByFirmChangeRep ZynMktSummByFirmChangeRep;
 typedef struct ZynMktSummByUserChangeReq ZynMktSummByUserChangeReq;
 typedef struct ZynMktSummByUserChangeRep ZynMktSummByUserChangeRep;
 
+/* Asks for changes by price: query 314, mktSummByPriceChangeReq. */
 struct ZynMktSummByPriceChangeReq {
     AsnInt seqNum;
-    ZynSecBoardId* secBoardId;
+    ZynSecBoardId* secBoardId; /* required, without a context tag; a filter in the other two requests */
 };
 ZYN_RECORD(ZynMktSummByPriceChangeReq);
 
+/* Reports price and volume of a security: query reply 314, mktSummByPriceChangeRep. */
 struct ZynMktSummByPriceChangeRep {
     AsnInt seqNum;
     ZynSecBoardId* secBoardId;
+    /* Both are a SEQUENCE that opens with a REAL, so that only their order tells them apart. */
     AsnFixedReal* price;
     AsnLongInt* volume;
 };
 ZYN_RECORD(ZynMktSummByPriceChangeRep);
 
+/* Asks for changes by firm: query 315, mktSummByFirmChangeReq. */
 struct ZynMktSummByFirmChangeReq {
     AsnInt seqNum;
     AsnOcts firmId; /* [1] OPTIONAL */
-    ZynSecBoardId* secBoardId; /* [2] OPTIONAL */
+    ZynSecBoardId* secBoardId; /* [2] OPTIONAL; [3] in ZynMktSummByUserChangeReq */
 };
 ZYN_RECORD(ZynMktSummByFirmChangeReq);
 
+/* Reports value and volume of a firm in a security: query reply 315, mktSummByFirmChangeRep. */
 struct ZynMktSummByFirmChangeRep {
     AsnInt seqNum;
     AsnOcts firmId;
     ZynSecBoardId* secBoardId;
+    /* Value ahead of volume, the reverse of ZynSummaryData; only their order tells them apart. */
     AsnFixedReal* value;
     AsnLongInt* volume;
 };
 ZYN_RECORD(ZynMktSummByFirmChangeRep);
 
+/* Asks for changes by user: query 316, mktSummByUserChangeReq. */
 struct ZynMktSummByUserChangeReq {
     AsnInt seqNum;
     AsnOcts firmId; /* [1] OPTIONAL */
     AsnOcts userId; /* [2] OPTIONAL */
-    ZynSecBoardId* secBoardId; /* [3] OPTIONAL */
+    ZynSecBoardId* secBoardId; /* [3] OPTIONAL; [2] in ZynMktSummByFirmChangeReq */
 };
 ZYN_RECORD(ZynMktSummByUserChangeReq);
 
+/* Reports the traded quantities of a user in a security: query reply 316, mktSummByUserChangeRep. */
 struct ZynMktSummByUserChangeRep {
     AsnInt seqNum;
     AsnOcts firmId;
     AsnOcts userId;
     ZynSecBoardId* secBoardId;
-    AsnInt buyTradeQty;
+    AsnInt buyTradeQty; /* 32 bits, whereas the other two replies give a volume as AsnLongInt */
     AsnInt sellTradeQty;
 };
 ZYN_RECORD(ZynMktSummByUserChangeRep);

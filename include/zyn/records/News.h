@@ -10,6 +10,9 @@
 extern "C" {
 #endif
 
+/* News items: added, edited and removed by transactions; their headers, their types and the text of a single
+ * item are queried. */
+
 typedef struct ZynNewsItem ZynNewsItem;
 typedef struct ZynNewsTypeReq ZynNewsTypeReq;
 typedef struct ZynNewsTypeRep ZynNewsTypeRep;
@@ -21,12 +24,13 @@ typedef struct ZynNewsRemove ZynNewsRemove;
 typedef struct ZynNewsHeaderReq ZynNewsHeaderReq;
 typedef struct ZynNewsHeaderRep ZynNewsHeaderRep;
 
+/* An item; held by ZynNewsAdd, ZynNewsEdit and ZynNewsHeaderRep. */
 struct ZynNewsItem {
     AsnOcts newsTypeId;
     AsnOcts languageId;
     AsnOcts title;
-    AsnBool toDataFeed;
-    AsnOcts reFirmId;
+    AsnBool toDataFeed; /* with a capital F; toDatafeed in the records of messages */
+    AsnOcts reFirmId; /* required, though reSecCode is not */
     AsnDateTime* entryTime; /* [1] OPTIONAL */
     AsnOcts reSecCode; /* [2] OPTIONAL */
     AsnInt* newsReference; /* [3] OPTIONAL */
@@ -37,11 +41,13 @@ struct ZynNewsItem {
 };
 ZYN_RECORD(ZynNewsItem);
 
+/* Asks for the types of news: query 283, newsTypeReq. */
 struct ZynNewsTypeReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynNewsTypeReq);
 
+/* Reports a type of news: query reply 283, newsTypeRep. */
 struct ZynNewsTypeRep {
     AsnSequenceContext* seqContext;
     AsnOcts newsTypeId;
@@ -49,38 +55,45 @@ struct ZynNewsTypeRep {
 };
 ZYN_RECORD(ZynNewsTypeRep);
 
+/* Asks for the text of an item: query 284, newsReq. No sequence context. */
 struct ZynNewsReq {
     AsnInt newsId;
 };
 ZYN_RECORD(ZynNewsReq);
 
+/* Reports the text of an item: query reply 284, newsRep. */
 struct ZynNewsRep {
     AsnInt newsId;
     AsnOcts newsText;
 };
 ZYN_RECORD(ZynNewsRep);
 
+/* Adds an item: transaction 423, newsAdd. */
 struct ZynNewsAdd {
-    ZynNewsItem* newsItem;
+    ZynNewsItem* newsItem; /* keeps its own tag inside that of the alternative */
 };
 ZYN_RECORD(ZynNewsAdd);
 
+/* Changes an item: transaction 424, newsEdit. The required fields of the item are given even if they stay. */
 struct ZynNewsEdit {
     AsnInt newsId;
     ZynNewsItem* newsItem;
 };
 ZYN_RECORD(ZynNewsEdit);
 
+/* Removes an item: transaction 425, newsRemove. */
 struct ZynNewsRemove {
     AsnInt newsId;
 };
 ZYN_RECORD(ZynNewsRemove);
 
+/* Asks for the headers of items: query 274, newsHeaderReq. */
 struct ZynNewsHeaderReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynNewsHeaderReq);
 
+/* Reports the header of an item, which is the whole item: query reply 274, newsHeaderRep. */
 struct ZynNewsHeaderRep {
     AsnSequenceContext* seqContext;
     AsnInt newsId;

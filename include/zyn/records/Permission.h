@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Permissions, each for a firm and perhaps a user, a role and an object of one of six kinds: set, deleted and
+ * listed. With them go the access of a role to a group of messages and the list of roles. */
+
 typedef struct ZynPermissionChoice ZynPermissionChoice;
 typedef struct ZynPermissionReq ZynPermissionReq;
 typedef struct ZynPermissionRep ZynPermissionRep;
@@ -20,6 +23,8 @@ typedef struct ZynPermissionSetMsgGroupAccess ZynPermissionSetMsgGroupAccess;
 typedef struct ZynRoleReq ZynRoleReq;
 typedef struct ZynRoleRep ZynRoleRep;
 
+/* What a permission is about; held by ZynPermissionSet and ZynPermissionDelete. A string is held by pointer
+ * here, not in place as in a SEQUENCE. */
 struct ZynPermissionChoice {
     uint32_t choiceId;
     union {
@@ -34,11 +39,13 @@ struct ZynPermissionChoice {
 };
 ZYN_RECORD(ZynPermissionChoice);
 
+/* Asks for permissions: query 256, permissionReq. */
 struct ZynPermissionReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynPermissionReq);
 
+/* Reports an access level: query reply 256, permissionRep. Has no field of ZynPermissionSet. */
 struct ZynPermissionRep {
     AsnSequenceContext* seqContext;
     AsnInt msgType;
@@ -46,26 +53,29 @@ struct ZynPermissionRep {
 };
 ZYN_RECORD(ZynPermissionRep);
 
+/* Deletes a permission: transaction 501, permissionDelete. The fields are those of ZynPermissionSet. */
 struct ZynPermissionDelete {
     AsnOcts firmId;
-    AsnOcts userId; /* OPTIONAL */
-    ZynPermissionChoice* permissionChoice;
+    AsnOcts userId; /* OPTIONAL; without a context tag: a second string behind firmId */
+    ZynPermissionChoice* permissionChoice; /* has no tag of its own: stands under its alternative's */
     AsnBool notFlag;
     AsnOcts roleId;
     AsnInt priority;
 };
 ZYN_RECORD(ZynPermissionDelete);
 
+/* Sets a permission: transaction 385, permissionSet. */
 struct ZynPermissionSet {
     AsnOcts firmId;
-    AsnOcts userId; /* OPTIONAL */
-    ZynPermissionChoice* permissionChoice;
+    AsnOcts userId; /* OPTIONAL; without a context tag: a second string behind firmId */
+    ZynPermissionChoice* permissionChoice; /* has no tag of its own: stands under its alternative's */
     AsnBool notFlag;
     AsnOcts roleId;
     AsnInt priority;
 };
 ZYN_RECORD(ZynPermissionSet);
 
+/* Sets the access of a role to a group of messages: transaction 386, permissionSetMsgGroupAccess. */
 struct ZynPermissionSetMsgGroupAccess {
     AsnOcts msgGrpId;
     AsnOcts roleId;
@@ -73,11 +83,13 @@ struct ZynPermissionSetMsgGroupAccess {
 };
 ZYN_RECORD(ZynPermissionSetMsgGroupAccess);
 
+/* Asks for roles: query 330, roleReq. */
 struct ZynRoleReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynRoleReq);
 
+/* Reports a role: query reply 330, roleRep. */
 struct ZynRoleRep {
     AsnSequenceContext* seqContext;
     AsnOcts roleId;

@@ -11,21 +11,27 @@
 extern "C" {
 #endif
 
+/* Price parameters of securities on boards: a query with filters, and its reply. The alternatives that carry
+ * them are spelt with a small p in the middle, unlike the records. */
+
 typedef struct ZynPriceParamReq ZynPriceParamReq;
 typedef struct ZynPriceParamRep ZynPriceParamRep;
 
+/* Asks for price parameters: query 335, priceparamReq. */
 struct ZynPriceParamReq {
     AsnSequenceContext* seqContext;
+    /* Filters. Security and board stand apart here, and the reply has no market. */
     AsnOcts secCode; /* [1] OPTIONAL */
     AsnOcts boardId; /* [2] OPTIONAL */
     AsnOcts marketId; /* [3] OPTIONAL */
 };
 ZYN_RECORD(ZynPriceParamReq);
 
+/* Reports the price parameters of a security on a board: query reply 335, priceparamRep. */
 struct ZynPriceParamRep {
     AsnSequenceContext* seqContext;
     ZynSecBoardId* secBoardId;
-    AsnOcts priceParamArray;
+    AsnOcts priceParamArray; /* a single string, whose layout is left to the peers */
     AsnInt minQty;
     AsnInt pointValue;
 };

@@ -10,18 +10,23 @@
 extern "C" {
 #endif
 
+/* Sectors, which a query lists. Unlike instruments, boards and markets they have neither a status nor
+ * transactions. */
+
 typedef struct ZynSectorReq ZynSectorReq;
 typedef struct ZynSectorRep ZynSectorRep;
 
+/* Asks for sectors: query 296, sectorReq. */
 struct ZynSectorReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynSectorReq);
 
+/* Reports a sector: query reply 296, sectorRep. */
 struct ZynSectorRep {
     AsnSequenceContext* seqContext;
     AsnOcts sectorId;
-    AsnOcts sectorName;
+    AsnOcts sectorName; /* required, unlike the names of instruments, boards and markets */
 };
 ZYN_RECORD(ZynSectorRep);
 

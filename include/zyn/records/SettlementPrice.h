@@ -10,18 +10,23 @@
 extern "C" {
 #endif
 
+/* Settlement prices of securities: their history is queried, and a transaction sets a price. A security is
+ * named by secCode alone, without a board. */
+
 typedef struct ZynSecSettlePriceHistReq ZynSecSettlePriceHistReq;
 typedef struct ZynSecSettlePriceHistRep ZynSecSettlePriceHistRep;
 typedef struct ZynSecSettlePriceHistSetPrice ZynSecSettlePriceHistSetPrice;
 
+/* Asks for the history: query 334, secSettlePriceHistReq. */
 struct ZynSecSettlePriceHistReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynSecSettlePriceHistReq);
 
+/* Reports an entry of the history: query reply 334, secSettlePriceHistRep. */
 struct ZynSecSettlePriceHistRep {
     AsnSequenceContext* seqContext;
-    AsnInt secSettlePriceHistId;
+    AsnInt secSettlePriceHistId; /* the number of the entry */
     AsnOcts secCode;
     AsnDateTime* time;
     AsnFixedReal* price;
@@ -29,6 +34,7 @@ struct ZynSecSettlePriceHistRep {
 };
 ZYN_RECORD(ZynSecSettlePriceHistRep);
 
+/* Sets a settlement price: transaction 485, secSettlePriceHistSetPrice. No time is given. */
 struct ZynSecSettlePriceHistSetPrice {
     AsnOcts secCode;
     AsnFixedReal* price;

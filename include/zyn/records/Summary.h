@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Summaries: counts of orders, trades and price moves, with volume and value, for an instrument on a board or
+ * for a sector, market and board. They are only queried. */
+
 typedef struct ZynSummaryData ZynSummaryData;
 typedef struct ZynSummaryKey ZynSummaryKey;
 typedef struct ZynSummaryInstrBoardReq ZynSummaryInstrBoardReq;
@@ -18,6 +21,7 @@ typedef struct ZynSummaryInstrBoardRep ZynSummaryInstrBoardRep;
 typedef struct ZynSummarySectorMarketBoardReq ZynSummarySectorMarketBoardReq;
 typedef struct ZynSummarySectorMarketBoardRep ZynSummarySectorMarketBoardRep;
 
+/* The figures: summaryData of both replies. */
 struct ZynSummaryData {
     AsnInt numOrders;
     AsnInt numOpenOrders;
@@ -25,11 +29,13 @@ struct ZynSummaryData {
     AsnInt numPriceUp;
     AsnInt numPriceDown;
     AsnInt numNoChange;
+    /* Both are a SEQUENCE that opens with a REAL, so that only their order tells them apart. */
     AsnLongInt* volume;
     AsnFixedReal* value;
 };
 ZYN_RECORD(ZynSummaryData);
 
+/* What the figures are about: summaryKey of ZynSummarySectorMarketBoardRep. May be empty. */
 struct ZynSummaryKey {
     AsnOcts sectorId; /* [1] OPTIONAL */
     AsnOcts marketId; /* [2] OPTIONAL */
@@ -37,11 +43,13 @@ struct ZynSummaryKey {
 };
 ZYN_RECORD(ZynSummaryKey);
 
+/* Asks for summaries by instrument and board: query 298, summaryInstrBoardReq. */
 struct ZynSummaryInstrBoardReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynSummaryInstrBoardReq);
 
+/* Reports a summary by instrument and board: query reply 298, summaryInstrBoardRep. */
 struct ZynSummaryInstrBoardRep {
     AsnSequenceContext* seqContext;
     ZynInstrBoardId* instrBoardId;
@@ -49,14 +57,16 @@ struct ZynSummaryInstrBoardRep {
 };
 ZYN_RECORD(ZynSummaryInstrBoardRep);
 
+/* Asks for summaries by sector, market and board: query 299, summarySectorMarketBoardReq. */
 struct ZynSummarySectorMarketBoardReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynSummarySectorMarketBoardReq);
 
+/* Reports a summary by sector, market and board: query reply 299, summarySectorMarketBoardRep. */
 struct ZynSummarySectorMarketBoardRep {
     AsnSequenceContext* seqContext;
-    ZynSummaryKey* summaryKey;
+    ZynSummaryKey* summaryKey; /* required, even when nothing is in it */
     ZynSummaryData* summaryData;
 };
 ZYN_RECORD(ZynSummarySectorMarketBoardRep);

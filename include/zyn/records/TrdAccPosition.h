@@ -11,10 +11,14 @@
 extern "C" {
 #endif
 
+/* Positions of trading accounts, whose changes are queried, and the transaction that sets the close-out
+ * status of a firm or of one of its accounts. */
+
 typedef struct ZynTrdAccPositionChangeReq ZynTrdAccPositionChangeReq;
 typedef struct ZynTrdAccPositionChangeRep ZynTrdAccPositionChangeRep;
 typedef struct ZynTrdAccFirmCloseOutStatusUpdate ZynTrdAccFirmCloseOutStatusUpdate;
 
+/* Asks for changes of positions: query 317, trdAccPositionChangeReq. */
 struct ZynTrdAccPositionChangeReq {
     AsnSequenceContext* seqContext;
     AsnOcts firmId; /* [1] OPTIONAL */
@@ -22,13 +26,15 @@ struct ZynTrdAccPositionChangeReq {
 };
 ZYN_RECORD(ZynTrdAccPositionChangeReq);
 
+/* Reports a position: query reply 317, trdAccPositionChangeRep. */
 struct ZynTrdAccPositionChangeRep {
     AsnSequenceContext* seqContext;
     ZynTrdAccPosition* trdAccPosition;
-    AsnOcts firmId;
+    AsnOcts firmId; /* not a part of trdAccPosition */
+    /* Five INTEGERs, then two SEQUENCEs of one kind, told apart by their order. */
     AsnInt longQty;
     AsnInt shortQty;
-    AsnInt open;
+    AsnInt open; /* a number here, an AsnFixedReal in ZynSecBoardRepDynamic */
     AsnInt net;
     AsnInt changeNet;
     AsnFixedReal* wAvgBuyPrice;
@@ -36,11 +42,12 @@ struct ZynTrdAccPositionChangeRep {
 };
 ZYN_RECORD(ZynTrdAccPositionChangeRep);
 
+/* Sets the close-out status of a firm or of its account: transaction 494, trdAccFirmCloseOutStatusUpdate. */
 struct ZynTrdAccFirmCloseOutStatusUpdate {
     AsnOcts firmId;
     AsnOcts trdAccId; /* [1] OPTIONAL */
     AsnInt closeOutStatus; /* ENUMERATED */
-    AsnInt* displayMode; /* [2] OPTIONAL */
+    AsnInt* displayMode; /* [2] OPTIONAL; without a context tag in ZynTrdAccSuspend */
 };
 ZYN_RECORD(ZynTrdAccFirmCloseOutStatusUpdate);
 

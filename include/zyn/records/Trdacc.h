@@ -10,6 +10,9 @@
 extern "C" {
 #endif
 
+/* Trading accounts: listed, reported with their holdings, validated, suspended and unsuspended. A depository
+ * account is spelt depacc here, and depAcc in the records of its own. */
+
 typedef struct ZynTrdAccDetailsRepSetOfSeq ZynTrdAccDetailsRepSetOfSeq;
 typedef struct ZynTrdAccDetailsReq ZynTrdAccDetailsReq;
 typedef struct ZynTrdAccDetailsRep ZynTrdAccDetailsRep;
@@ -19,70 +22,79 @@ typedef struct ZynTrdAccValidate ZynTrdAccValidate;
 typedef struct ZynTrdAccSuspend ZynTrdAccSuspend;
 typedef struct ZynTrdAccUnsuspend ZynTrdAccUnsuspend;
 
+/* The holding of one security: element of ZynTrdAccDetailsRepSetOf. */
 struct ZynTrdAccDetailsRepSetOfSeq {
     AsnOcts secCode;
-    AsnInt openBalance;
+    AsnInt openBalance; /* a quantity of 32 bits; the balances of ZynCashPosChange are AsnFixedReal */
     AsnInt currentBalance;
     AsnInt plannedBuy;
     AsnInt plannedSell;
 };
 ZYN_RECORD(ZynTrdAccDetailsRepSetOfSeq);
 
+/* The holdings of an account: holdingList of ZynTrdAccDetailsRep. */
 typedef AsnList ZynTrdAccDetailsRepSetOf; /* of ZynTrdAccDetailsRepSetOfSeq */
 ZYN_RECORD(ZynTrdAccDetailsRepSetOf);
 
+/* Asks for the details of a trading account: query 305, trdAccDetailsReq. */
 struct ZynTrdAccDetailsReq {
-    AsnInt seqNum;
+    AsnInt seqNum; /* a bare number, no sequence context */
     AsnBool sendDepaccDetails;
-    AsnOcts trdAccId; /* [1] */
+    AsnOcts trdAccId; /* [1]; required, though it has a context tag */
     AsnOcts firmId; /* [2] OPTIONAL */
     AsnOcts secCode; /* [3] OPTIONAL */
 };
 ZYN_RECORD(ZynTrdAccDetailsReq);
 
+/* Reports a trading account with its holdings: query reply 305, trdAccDetailsRep. */
 struct ZynTrdAccDetailsRep {
     AsnInt seqNum;
     AsnOcts trdAccId;
     AsnOcts firmId;
-    AsnOcts depaccId;
+    AsnOcts depaccId; /* depAccId in ZynDepAccRep */
     ZynTrdAccDetailsRepSetOf* holdingList;
 };
 ZYN_RECORD(ZynTrdAccDetailsRep);
 
+/* Asks for trading accounts: query 306, trdAccReq. */
 struct ZynTrdAccReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynTrdAccReq);
 
+/* Reports a trading account: query reply 306, trdAccRep. */
 struct ZynTrdAccRep {
     AsnSequenceContext* seqContext;
-    AsnInt* command; /* ENUMERATED OPTIONAL */
+    AsnInt* command; /* ENUMERATED OPTIONAL; without a context tag, ahead of required fields */
     AsnOcts trdAccId;
     AsnOcts firmId;
     AsnInt trdAccStatus; /* ENUMERATED */
-    AsnInt closeOutStatus; /* ENUMERATED */
+    AsnInt closeOutStatus; /* ENUMERATED; told from trdAccStatus by its place */
     AsnOcts trdAccGrpId;
-    AsnOcts type;
+    AsnOcts type; /* a string; in the records of orders an ENUMERATED */
 };
 ZYN_RECORD(ZynTrdAccRep);
 
+/* Validates a trading account: transaction 447, trdAccValidate. */
 struct ZynTrdAccValidate {
     AsnOcts firmId;
     AsnOcts trdAccId;
 };
 ZYN_RECORD(ZynTrdAccValidate);
 
+/* Suspends a trading account: transaction 448, trdAccSuspend. */
 struct ZynTrdAccSuspend {
     AsnOcts firmId;
     AsnOcts trdAccId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynTrdAccSuspend);
 
+/* Lifts the suspension of a trading account: transaction 449, trdAccUnsuspend. */
 struct ZynTrdAccUnsuspend {
     AsnOcts firmId;
     AsnOcts trdAccId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynTrdAccUnsuspend);
 

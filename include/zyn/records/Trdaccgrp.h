@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Groups of trading accounts, and the users attached to them: both are listed, added and removed. One more
+ * transaction puts an account into a group. */
+
 typedef struct ZynTrdAccGrpSet ZynTrdAccGrpSet;
 typedef struct ZynTrdAccGrpReq ZynTrdAccGrpReq;
 typedef struct ZynTrdAccGrpRep ZynTrdAccGrpRep;
@@ -21,53 +24,62 @@ typedef struct ZynTrdAccGrpUserRep ZynTrdAccGrpUserRep;
 typedef struct ZynTrdAccGrpUserAdd ZynTrdAccGrpUserAdd;
 typedef struct ZynTrdAccGrpUserRemove ZynTrdAccGrpUserRemove;
 
+/* Puts a trading account into a group: transaction 495, trdAccGrpSet. */
 struct ZynTrdAccGrpSet {
     ZynTrdAccFirmId* trdAccFirmId;
     AsnOcts trdAccGrpId;
 };
 ZYN_RECORD(ZynTrdAccGrpSet);
 
+/* Asks for groups: query 309, trdAccGrpReq. */
 struct ZynTrdAccGrpReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynTrdAccGrpReq);
 
+/* Reports a group: query reply 309, trdAccGrpRep. */
 struct ZynTrdAccGrpRep {
     AsnSequenceContext* seqContext;
-    AsnInt* command; /* ENUMERATED OPTIONAL */
+    AsnInt* command; /* ENUMERATED OPTIONAL; without a context tag, ahead of required fields */
     ZynTrdAccGrpFirmId* trdAccGrpFirmId;
     AsnOcts trdAccGrpName;
 };
 ZYN_RECORD(ZynTrdAccGrpRep);
 
+/* Adds a group: transaction 496, trdAccGrpAdd. */
 struct ZynTrdAccGrpAdd {
     ZynTrdAccGrpFirmId* trdAccGrpFirmId;
     AsnOcts trdAccGrpName;
 };
 ZYN_RECORD(ZynTrdAccGrpAdd);
 
+/* Removes a group: transaction 497, trdAccGrpRemove. */
 struct ZynTrdAccGrpRemove {
     ZynTrdAccGrpFirmId* trdAccGrpFirmId;
 };
 ZYN_RECORD(ZynTrdAccGrpRemove);
 
+/* Asks for the users of groups: query 310, trdAccGrpUserReq. */
 struct ZynTrdAccGrpUserReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynTrdAccGrpUserReq);
 
+/* Reports a user of a group: query reply 310, trdAccGrpUserRep. */
 struct ZynTrdAccGrpUserRep {
     AsnSequenceContext* seqContext;
-    AsnInt* command; /* ENUMERATED OPTIONAL */
+    AsnInt* command; /* ENUMERATED OPTIONAL; without a context tag, ahead of a required field */
     ZynTrdAccGrpFirmUserId* trdAccGrpFirmUserId;
 };
 ZYN_RECORD(ZynTrdAccGrpUserRep);
 
+/* Adds a user to a group: transaction 498, trdAccGrpUserAdd. */
 struct ZynTrdAccGrpUserAdd {
     ZynTrdAccGrpFirmUserId* trdAccGrpFirmUserId;
 };
 ZYN_RECORD(ZynTrdAccGrpUserAdd);
 
+/* Removes a user from a group: transaction 499, trdAccGrpUserRemove. */
 struct ZynTrdAccGrpUserRemove {
     ZynTrdAccGrpFirmUserId* trdAccGrpFirmUserId;
 };

@@ -10,6 +10,10 @@
 extern "C" {
 #endif
 
+/* Trading events: transitions, each set for a time with a priority, and perhaps for a board, an instrument or
+ * a security. They are added, removed and listed; the transitions as such are listed as well. The three
+ * records that hold an event give its fields different tags. */
+
 typedef struct ZynTrdEventReq ZynTrdEventReq;
 typedef struct ZynTrdEventRep ZynTrdEventRep;
 typedef struct ZynTrdEventAdd ZynTrdEventAdd;
@@ -17,52 +21,62 @@ typedef struct ZynTrdEventRemove ZynTrdEventRemove;
 typedef struct ZynTrdEventTransitionReq ZynTrdEventTransitionReq;
 typedef struct ZynTrdEventTransitionRep ZynTrdEventTransitionRep;
 
+/* Asks for trading events: query 312, trdEventReq. */
 struct ZynTrdEventReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynTrdEventReq);
 
+/* Reports a trading event: query reply 312, trdEventRep. */
 struct ZynTrdEventRep {
     AsnSequenceContext* seqContext;
-    AsnInt trdEventId;
-    AsnDateTime* eventTime;
+    AsnInt trdEventId; /* reported only: no transaction has it */
+    AsnDateTime* eventTime; /* [1] OPTIONAL in the transactions */
     AsnInt priority;
-    AsnInt* randomisedInterval; /* [1] OPTIONAL */
-    AsnDateTime* actualEventTime; /* [2] OPTIONAL */
+    AsnInt* randomisedInterval; /* [1] OPTIONAL; [2] in ZynTrdEventAdd */
+    AsnDateTime* actualEventTime; /* [2] OPTIONAL; reported only */
     AsnOcts transitionId;
     AsnInt status; /* ENUMERATED */
+    /* [3] to [5] as in ZynTrdEventAdd; [4] to [6] in ZynTrdEventRemove. */
     AsnOcts boardId; /* [3] OPTIONAL */
     AsnOcts instrId; /* [4] OPTIONAL */
     AsnOcts secCode; /* [5] OPTIONAL */
 };
 ZYN_RECORD(ZynTrdEventRep);
 
+/* Adds a trading event: transaction 453, trdEventAdd. */
 struct ZynTrdEventAdd {
     AsnDateTime* eventTime; /* [1] OPTIONAL */
-    AsnInt* randomisedInterval; /* [2] OPTIONAL */
+    AsnInt* randomisedInterval; /* [2] OPTIONAL; [1] in ZynTrdEventRep */
     AsnInt priority;
     AsnOcts transitionId;
+    /* [3] to [5] as in ZynTrdEventRep; [4] to [6] in ZynTrdEventRemove. */
     AsnOcts boardId; /* [3] OPTIONAL */
     AsnOcts instrId; /* [4] OPTIONAL */
     AsnOcts secCode; /* [5] OPTIONAL */
 };
 ZYN_RECORD(ZynTrdEventAdd);
 
+/* Removes a trading event: transaction 454, trdEventRemove. May be empty. */
 struct ZynTrdEventRemove {
     AsnDateTime* eventTime; /* [1] OPTIONAL */
+    /* Required, without context tags, in the other two records. */
     AsnInt* priority; /* [2] OPTIONAL */
     AsnOcts transitionId; /* [3] OPTIONAL */
+    /* [4] to [6] are [3] to [5] in the other two records. */
     AsnOcts boardId; /* [4] OPTIONAL */
     AsnOcts instrId; /* [5] OPTIONAL */
     AsnOcts secCode; /* [6] OPTIONAL */
 };
 ZYN_RECORD(ZynTrdEventRemove);
 
+/* Asks for the transitions: query 313, trdEventTransitionReq. */
 struct ZynTrdEventTransitionReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynTrdEventTransitionReq);
 
+/* Reports a transition: query reply 313, trdEventTransitionRep. */
 struct ZynTrdEventTransitionRep {
     AsnSequenceContext* seqContext;
     AsnOcts transitionId;

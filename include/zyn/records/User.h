@@ -11,6 +11,9 @@
 extern "C" {
 #endif
 
+/* Users: logging on and off, lists of users and of their address ranges, settings, passwords, suspension and
+ * activity; and the rules for the orders of a user. Passwords are carried as they come, and printed so. */
+
 typedef struct ZynUserUpdateActivityStatusSetOfSeq ZynUserUpdateActivityStatusSetOfSeq;
 typedef struct ZynUserRepStatic ZynUserRepStatic;
 typedef struct ZynUserRepDynamic ZynUserRepDynamic;
@@ -38,30 +41,36 @@ typedef struct ZynUserUnsuspend ZynUserUnsuspend;
 typedef struct ZynUserUpdateActivityStatus ZynUserUpdateActivityStatus;
 typedef struct ZynUserCheckVersion ZynUserCheckVersion;
 
+/* The activity of one user: element of ZynUserUpdateActivityStatusSetOf. */
 struct ZynUserUpdateActivityStatusSetOfSeq {
-    AsnInt userIdx;
+    AsnInt userIdx; /* a number, not a userId */
     AsnInt secsSinceAction;
 };
 ZYN_RECORD(ZynUserUpdateActivityStatusSetOfSeq);
 
+/* The activity of several users: userList of ZynUserUpdateActivityStatus. */
 typedef AsnList ZynUserUpdateActivityStatusSetOf; /* of ZynUserUpdateActivityStatusSetOfSeq */
 ZYN_RECORD(ZynUserUpdateActivityStatusSetOf);
 
+/* The half of a user report that stays: statics of ZynUserRep. */
 struct ZynUserRepStatic {
     AsnOcts userName;
     AsnOcts firmId;
+    /* The tags start at [3]; in ZynFirmRepStatic these two are [1] and [2]. */
     AsnOcts contactDetail; /* [3] OPTIONAL */
     AsnOcts freeText; /* [4] OPTIONAL */
 };
 ZYN_RECORD(ZynUserRepStatic);
 
+/* The half of a user report that changes: dynamics of ZynUserRep. May be empty. */
 struct ZynUserRepDynamic {
-    AsnOcts defaultRole; /* [1] OPTIONAL */
-    AsnInt* status; /* [2] OPTIONAL */
+    AsnOcts defaultRole; /* [1] OPTIONAL; teroleId in ZynUserSetDefaultRole */
+    AsnInt* status; /* [2] OPTIONAL; the only status with a context tag; elsewhere an ENUMERATED */
     AsnOcts ipGateway; /* [3] OPTIONAL */
     AsnOcts ipClient; /* [4] OPTIONAL */
-    AsnBool* approveOrders; /* [5] OPTIONAL */
+    AsnBool* approveOrders; /* [5] OPTIONAL; orderApprovalOn in ZynUserSetOrderApprovalFlag */
     AsnBool* isLoggedOn; /* [6] OPTIONAL */
+    /* [7] to [10] are [2] to [5] in ZynFirmRepDynamic. */
     ZynSurvStats* buyOrderStats; /* [7] OPTIONAL */
     ZynSurvStats* sellOrderStats; /* [8] OPTIONAL */
     ZynSurvStats* buyTradeStats; /* [9] OPTIONAL */
@@ -69,81 +78,95 @@ struct ZynUserRepDynamic {
 };
 ZYN_RECORD(ZynUserRepDynamic);
 
+/* Asks for users: query 318, userReq. */
 struct ZynUserReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynUserReq);
 
+/* Reports a user: query reply 318, userRep. */
 struct ZynUserRep {
     AsnSequenceContext* seqContext;
-    AsnOcts userId; /* OPTIONAL */
+    AsnOcts userId; /* OPTIONAL; without a context tag */
     ZynUserRepStatic* statics; /* [1] OPTIONAL */
     ZynUserRepDynamic* dynamics; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynUserRep);
 
+/* Asks for the address ranges of a user: query 320, userIpAddrReq. */
 struct ZynUserIpAddrReq {
     AsnSequenceContext* seqContext;
     AsnOcts userId;
 };
 ZYN_RECORD(ZynUserIpAddrReq);
 
+/* Reports one address range: query reply 320, userIpAddrRep. The user is not repeated. */
 struct ZynUserIpAddrRep {
     AsnSequenceContext* seqContext;
-    AsnOcts fromIPAddr;
+    AsnOcts fromIPAddr; /* turned round in ZynUserSetIPAddrRange: newIPAddrFrom, oldIPAddrFrom */
     AsnOcts toIPAddr;
 };
 ZYN_RECORD(ZynUserIpAddrRep);
 
+/* Logs the sender on: transaction 455, userLogon. */
 struct ZynUserLogon {
     AsnOcts loginPassword;
-    AsnBool* reconnectionFlag; /* OPTIONAL */
+    AsnBool* reconnectionFlag; /* OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynUserLogon);
 
+/* Logs the sender off: transaction 456, userLogoff. No content. */
 struct ZynUserLogoff {
     char unused;
 };
 ZYN_RECORD(ZynUserLogoff);
 
+/* Sets the default role of a user: transaction 457, userSetDefaultRole. */
 struct ZynUserSetDefaultRole {
     AsnOcts userId;
-    AsnOcts teroleId;
+    AsnOcts teroleId; /* roleId in the records of permissions and roles */
 };
 ZYN_RECORD(ZynUserSetDefaultRole);
 
+/* Forces a user off: transaction 458, userForceLogoff. */
 struct ZynUserForceLogoff {
     AsnOcts userId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag */
 };
 ZYN_RECORD(ZynUserForceLogoff);
 
+/* Turns order approval on or off: transaction 461, userSetOrderApprovalFlag. */
 struct ZynUserSetOrderApprovalFlag {
-    AsnOcts userId; /* OPTIONAL */
+    AsnOcts userId; /* OPTIONAL; without a context tag, ahead of the required field */
     AsnBool orderApprovalOn;
 };
 ZYN_RECORD(ZynUserSetOrderApprovalFlag);
 
+/* Gives a user a new password: transaction 462, userSetPassword. */
 struct ZynUserSetPassword {
     AsnOcts userId;
     AsnOcts newPassword;
 };
 ZYN_RECORD(ZynUserSetPassword);
 
+/* Sets a language: transaction 463, userSetLanguage. Names no user but the sender of the message. */
 struct ZynUserSetLanguage {
     AsnOcts languageId;
 };
 ZYN_RECORD(ZynUserSetLanguage);
 
+/* Replaces a password: transaction 464, userChangePassword. Names no user but the sender of the message. */
 struct ZynUserChangePassword {
     AsnOcts currentPassword;
     AsnOcts newPassword;
 };
 ZYN_RECORD(ZynUserChangePassword);
 
+/* Changes the address ranges of a user: transaction 465, userSetIPAddrRange. */
 struct ZynUserSetIPAddrRange {
     AsnOcts userId;
     AsnInt action; /* ENUMERATED */
+    /* Both ranges are required, whatever the action. */
     AsnOcts newIPAddrFrom;
     AsnOcts newIPAddrTo;
     AsnOcts oldIPAddrFrom;
@@ -151,20 +174,24 @@ struct ZynUserSetIPAddrRange {
 };
 ZYN_RECORD(ZynUserSetIPAddrRange);
 
+/* Suspends a user: transaction 468, userSuspend. */
 struct ZynUserSuspend {
     AsnOcts userId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag; [1] for boards, [2] for firms */
 };
 ZYN_RECORD(ZynUserSuspend);
 
+/* Asks for order rules: query 327, userOrderRuleReq. */
 struct ZynUserOrderRuleReq {
     AsnSequenceContext* seqContext;
 };
 ZYN_RECORD(ZynUserOrderRuleReq);
 
+/* Reports an order rule: query reply 327, userOrderRuleRep. Nothing is OPTIONAL, and neighbours of one type
+ * are told apart by their order. */
 struct ZynUserOrderRuleRep {
     AsnSequenceContext* seqContext;
-    AsnInt orderRuleId;
+    AsnInt orderRuleId; /* reported only: transactions name a rule by firm, user and instrument */
     AsnOcts firmId;
     AsnOcts userId;
     AsnOcts instrId;
@@ -180,8 +207,10 @@ struct ZynUserOrderRuleRep {
 };
 ZYN_RECORD(ZynUserOrderRuleRep);
 
+/* Adds an order rule: transaction 487, userOrderRuleAdd. */
 struct ZynUserOrderRuleAdd {
-    AsnOcts firmId;
+    AsnOcts firmId; /* [1] OPTIONAL in ZynUserOrderRuleUpdate */
+    /* Each tag from here on is one higher in ZynUserOrderRuleUpdate. */
     AsnOcts userId; /* [1] OPTIONAL */
     AsnOcts instrId; /* [2] OPTIONAL */
     AsnInt* maxOrderQty; /* [3] OPTIONAL */
@@ -195,8 +224,10 @@ struct ZynUserOrderRuleAdd {
 };
 ZYN_RECORD(ZynUserOrderRuleAdd);
 
+/* Changes an order rule: transaction 490, userOrderRuleUpdate. May be empty. */
 struct ZynUserOrderRuleUpdate {
-    AsnOcts firmId; /* [1] OPTIONAL */
+    AsnOcts firmId; /* [1] OPTIONAL; required, without a context tag, in the others */
+    /* Each tag from here on is one lower in ZynUserOrderRuleAdd. */
     AsnOcts userId; /* [2] OPTIONAL */
     AsnOcts instrId; /* [3] OPTIONAL */
     AsnInt* maxOrderQty; /* [4] OPTIONAL */
@@ -210,34 +241,41 @@ struct ZynUserOrderRuleUpdate {
 };
 ZYN_RECORD(ZynUserOrderRuleUpdate);
 
+/* Takes back the deletion of an order rule: transaction 489, userOrderRuleUnDelete. */
 struct ZynUserOrderRuleUnDelete {
     AsnOcts firmId;
+    /* The same tags as in ZynUserOrderRuleAdd. */
     AsnOcts userId; /* [1] OPTIONAL */
     AsnOcts instrId; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynUserOrderRuleUnDelete);
 
+/* Deletes an order rule: transaction 488, userOrderRuleDelete. */
 struct ZynUserOrderRuleDelete {
     AsnOcts firmId;
+    /* The same tags as in ZynUserOrderRuleAdd. */
     AsnOcts userId; /* [1] OPTIONAL */
     AsnOcts instrId; /* [2] OPTIONAL */
 };
 ZYN_RECORD(ZynUserOrderRuleDelete);
 
+/* Lifts the suspension of a user: transaction 469, userUnsuspend. */
 struct ZynUserUnsuspend {
     AsnOcts userId;
-    AsnInt* displayMode; /* ENUMERATED OPTIONAL */
+    AsnInt* displayMode; /* ENUMERATED OPTIONAL; without a context tag; [1] for boards, [2] for firms */
 };
 ZYN_RECORD(ZynUserUnsuspend);
 
+/* Reports the activity of users: transaction 466, userUpdateActivityStatus. */
 struct ZynUserUpdateActivityStatus {
     ZynUserUpdateActivityStatusSetOf* userList;
 };
 ZYN_RECORD(ZynUserUpdateActivityStatus);
 
+/* Gives the version of a user to be checked: transaction 467, userCheckVersion. */
 struct ZynUserCheckVersion {
     AsnOcts userId;
-    AsnOcts versionNumber;
+    AsnOcts versionNumber; /* a string in spite of its name */
 };
 ZYN_RECORD(ZynUserCheckVersion);
 
