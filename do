@@ -1,0 +1,95 @@
+#!/usr/bin/env bash
+# The front door of the repository: './do VERB' from a clean clone, './do' alone for the list of verbs.
+# A comment that starts with ## stands above each verb and is its line in that list.
+set -euo pipefail
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
+
+build_packages=(g++ cmake ninja-build)
+test_packages=("${build_packages[@]}" libgtest-dev)
+
+say() { printf '== %s\n' "$*"; }
+
+wrong_use() {
+    printf './do: %s\n' "$*" >&2
+    exit 2
+}
+
+installed() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed; }
+
+# Installs those of the given Debian packages that are missing, or tells how to.
+set_up() {
+    local package missing=() root=()
+    for package in "$@"; do
+        installed "$package" || missing+=("$package")
+    done
+    ((${#missing[@]})) || return 0
+    if ((EUID != 0)); then
+        root=(sudo -n)
+        if ! sudo -n true 2>/dev/null; then
+            printf 'Some Debian packages are missing. This installs them; then try again:\n' >&2
+            printf '    su -c "apt-get update && apt-get install -y %s"\n' "${missing[*]}" >&2
+            exit 1
+        fi
+    fi
+    say "installing ${missing[*]}"
+    "${root[@]}" apt-get update -q
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [TARGET]: builds everything, or only the target.
+build() {
+    say "building ${2:-everything}, preset $1, into build/$1"
+    cmake --preset "$1"
+    cmake --build --preset "$1" ${2:+--target "$2"}
+}
+
+## run          build the library and let a client log on to a server over a loopback connection
+verb_run() {
+    set_up "${build_packages[@]}"
+    build release
+    say "running examples/logon"
+    examples/logon/run build/release/bin
+}
+
+## build        build library, programs and examples, optimised, into build/release
+verb_build() {
+    set_up "${build_packages[@]}"
+    build release
+}
+
+## test [asan]  build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer
+verb_test() {
+    local preset=${1:-test}
+    [[ $preset == test || $preset == asan ]] || wrong_use "there is no test run '$preset'"
+    set_up "${test_packages[@]}"
+    build "$preset"
+    say "testing, preset $preset"
+    ctest --preset "$preset"
+}
+
+## generate     make again what the schema compiler makes of records/*.asn1
+verb_generate() {
+    set_up "${build_packages[@]}"
+    build release zyn-schema
+    say "writing include/zyn/records, include/zyn/records.h, records/generated and tests/golden/schema.txt"
+    build/release/bin/zyn-schema --headers include/zyn/records --rows records/generated \
+        --dump tests/golden/schema.txt records/*.asn1
+}
+
+## clean        remove all that was built
+verb_clean() {
+    say "removing build/"
+    rm -rf build
+}
+
+if (($# == 0)); then
+    printf 'Usage: ./do VERB\n\n'
+    sed -n 's/^## /  /p' do
+    exit 0
+fi
+verb=$1
+shift
+declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
+[[ $verb == test ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+(($# <= 1)) || wrong_use "'$verb' takes one word at most"
+"verb_$verb" "$@"
