@@ -1,0 +1,67 @@
+// Decodes the content of one record by the exact way, which is all that the exported operations of a record do.
+#pragma once
+
+#include <stdexcept>
+
+#include "records/exact.h"
+#include "tests/support/caught.h"
+#include "tests/support/reference.h"
+#include "zyn/values.h"
+
+namespace zyn::test {
+
+struct Decoded {
+    int code;
+    std::string messages;
+    void* value; // in the arena, until the next decode
+    AsnLen read;
+};
+
+// What a caller hands to a decoder: zero-filled memory, or a list that has been made.
+inline void* valueInArena(const Type& type) {
+    return type.shape == Shape::SetOf ? ZynListNew() : ZynEncodeMemAlloc(type.size);
+}
+
+inline Decoded decodedContent(TypeId type, AsnTag tag, AsnLen length, const Octets& octets) {
+    // A copy of exactly that size, so that a sanitizer sees any octet that is read behind it.
+    const std::unique_ptr<uint8_t[]> copy(new uint8_t[octets.size()]);
+    std::copy(octets.begin(), octets.end(), copy.get());
+    SBuf b = readingBuffer(copy.get(), octets.size());
+    ZynEncodeMemReset();
+    Decoded result{0, {}, valueInArena(typeOf(type)), 0};
+    const Caught end = caught([&](jmp_buf env) { decodeContent(&b, type, tag, length, result.value, &result.read, env); });
+    result.code = end.code;
+    for (const std::string& message : end.messages) result.messages += message;
+    return result;
+}
+
+// What stands in front of a content on the wire. A CHOICE brings its tag and length along.
+struct Head {
+    AsnTag tag = 0;
+    AsnLen length;
+};
+
+inline Head takeHead(const Type& type, Octets& content) {
+    if (type.shape != Shape::Choice) return {0, static_cast<AsnLen>(content.size())};
+    Head head;
+    AsnLen read = 0;
+    SBuf b = readingBuffer(content.data(), content.size());
+    const Caught end = caught([&](jmp_buf env) {
+        head.tag = BDecTag(&b, &read, env);
+        head.length = BDecLen(&b, &read, env);
+    });
+    if (end.code != 0) throw std::logic_error("a CHOICE without an alternative");
+    content.erase(content.begin(), content.begin() + read);
+    return head;
+}
+
+inline Octets encodedContent(TypeId type, const void* value, std::size_t room = 1 << 20) {
+    static std::vector<uint8_t> block;
+    block.resize(room);
+    SBuf b = writingBuffer(block.data(), room);
+    const AsnLen length = encodeContent(&b, type, value);
+    Octets octets(b.dataStart, b.dataEnd);
+    return b.writeError || octets.size() != length ? Octets{0xDE, 0xAD} : octets;
+}
+
+} // namespace zyn::test
