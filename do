@@ -38,9 +38,11 @@ set_up() {
 
 # build PRESET [TARGET]: builds everything, or only the target.
 build() {
+    local start=$SECONDS
     say "building ${2:-everything}, preset $1, into build/$1"
     cmake --preset "$1"
     cmake --build --preset "$1" ${2:+--target "$2"}
+    say "built in $((SECONDS - start)) s"
 }
 
 ## run          build the library and let a client log on to a server over a loopback connection

@@ -1,8 +1,9 @@
 // The rows of cases/<Module>.txt, a line each:
 //   <type> | <octets> | <what comes of them> | <why it is worth a row>
-// The octets are a whole message, or a record behind its universal tag or the tag of its alternative. They come to "ok":
-// they decode and are encoded to the same octets again, to others behind "->"; a text in quotation marks is what is printed.
-// Or they come to a failure code, and to the message in quotation marks, if there is one.
+// The octets are a whole message, or a record behind its universal tag or the tag of its alternative. They
+// come to "ok": they decode and are encoded to the same octets again, to others behind "->"; a text in
+// quotation marks is what is printed. Or they come to a failure code, and to the message in quotation marks,
+// if there is one.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +22,7 @@ struct Row {
     const Type* type = nullptr;
     Octets octets;
     int code = 0;
-    std::string message;  // reported with the code
+    std::string message; // reported with the code
     Octets encoded;
     bool printed = false;
     std::string text;
@@ -67,7 +68,8 @@ Row parse(std::string line) {
     } else {
         row.code = std::stoi(outcome);
         row.message = text;
-        if (outcome != std::to_string(row.code) || row.code >= 0) throw std::invalid_argument("has an unknown outcome");
+        if (outcome != std::to_string(row.code) || row.code >= 0)
+            throw std::invalid_argument("has an unknown outcome");
     }
     return row;
 }
@@ -80,7 +82,8 @@ void checkMessage(const Row& row, TwoWays& ways) {
     if (ways.code == 0 && row.code == 0) {
         if (row.printed) { EXPECT_EQ(printed(row.type->id, message), row.text); }
         const auto room = static_cast<uint32_t>(row.encoded.size());
-        EXPECT_EQ(toHex(ways.encode(channel, userIn(channel, message), choiceIn(channel, message), room)), toHex(row.encoded));
+        EXPECT_EQ(toHex(ways.encode(channel, userIn(channel, message), choiceIn(channel, message), room)),
+                  toHex(row.encoded));
     }
     EXPECT_EQ(ways.problem, "");
 }
@@ -105,7 +108,8 @@ void checkRecord(const Row& row) {
     if (end.code != 0 || row.code != 0) return;
     if (row.printed) { EXPECT_EQ(printed(type.id, value), row.text); }
     const Octets content = encodedContent(type.id, value);
-    EXPECT_EQ(toHex(type.shape == Shape::Choice ? content : Writer().element(tag, content)), toHex(row.encoded));
+    EXPECT_EQ(toHex(type.shape == Shape::Choice ? content : Writer().element(tag, content)),
+              toHex(row.encoded));
 }
 
 TEST(Cases, AllRows) {
@@ -117,14 +121,13 @@ TEST(Cases, AllRows) {
         for (std::string line; std::getline(lines, line);) {
             ++number;
             if (line.empty() || line[0] == '#') continue;
-            SCOPED_TRACE(file.path().filename().string() + ":" + std::to_string(number) + ": " + line.substr(line.rfind('|') + 1));
+            SCOPED_TRACE(file.path().filename().string() + ":" + std::to_string(number) + ": " +
+                         line.substr(line.rfind('|') + 1));
             try {
                 const Row row = parse(line);
                 if (row.type->message) checkMessage(row, ways);
                 else checkRecord(row);
-            } catch (const std::exception& error) {
-                ADD_FAILURE() << "the row " << error.what();
-            }
+            } catch (const std::exception& error) { ADD_FAILURE() << "the row " << error.what(); }
             ways.problem.clear();
             ++rows;
         }

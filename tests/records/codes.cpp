@@ -10,18 +10,21 @@
 namespace zyn::test {
 namespace {
 
-void readCells(const std::string& line, const std::string& module, std::map<std::string, ListedRecord>& records) {
+void readCells(const std::string& line, const std::string& module,
+               std::map<std::string, ListedRecord>& records) {
     std::istringstream cells(line);
     std::string name, due, stray, length;
     std::getline(cells >> std::ws, name, ' ');
     cells.ignore(2, '|');
     std::getline(cells, due, '|');
-    if (!std::getline(cells, stray, '|') || !std::getline(cells, length)) throw std::runtime_error("codes.txt: " + line);
+    if (!std::getline(cells, stray, '|') || !std::getline(cells, length))
+        throw std::runtime_error("codes.txt: " + line);
     ListedRecord record{module, {}};
     std::istringstream places(due);
     for (std::string place; std::getline(places >> std::ws, place, ',');) {
         const auto blank = place.find(" -");
-        if (blank != place.npos) record.codes.emplace(place.substr(0, blank), std::stoi(place.substr(blank + 1)));
+        if (blank != place.npos)
+            record.codes.emplace(place.substr(0, blank), std::stoi(place.substr(blank + 1)));
     }
     if (stray != " - ") record.codes.emplace("stray", std::stoi(stray));
     if (length != " -") record.codes.emplace("length", std::stoi(length));
@@ -52,14 +55,17 @@ namespace {
 RecordCodes computedCodes(const Type& type) {
     RecordCodes codes;
     if (type.fields.empty()) {
-        const char* place = type.shape == Shape::SetOf ? "element" : type.shape == Shape::Choice ? "alternative" : "content";
+        const char* place = type.shape == Shape::SetOf    ? "element"
+                            : type.shape == Shape::Choice ? "alternative"
+                                                          : "content";
         codes.emplace(place, siteCode(type, Site::Only));
         return codes;
     }
     if (type.message) codes.emplace("outer", siteCode(type, Site::OuterTag));
     for (std::size_t i = 0; i < type.fields.size(); ++i) {
         const Field& field = type.fields[i];
-        if (field.wrapped) codes.emplace(std::string("inner ") + field.name, siteCode(type, Site::InnerTag, i));
+        if (field.wrapped)
+            codes.emplace(std::string("inner ") + field.name, siteCode(type, Site::InnerTag, i));
         if (!field.optional) codes.emplace(field.name, siteCode(type, Site::FieldTag, i));
     }
     codes.emplace("length", siteCode(type, Site::Length));
@@ -103,7 +109,8 @@ TEST(Codes, RecordsAndAlternativesAreComplete) {
         EXPECT_EQ(type.alternatives.size(), choice.count) << type.name;
         std::vector<uint32_t> numbers{0}, found;
         for (uint32_t n = choice.first; n <= choice.last; ++n) {
-            if (std::find(choice.holes.begin(), choice.holes.end(), n) == choice.holes.end()) numbers.push_back(n);
+            if (std::find(choice.holes.begin(), choice.holes.end(), n) == choice.holes.end())
+                numbers.push_back(n);
         }
         for (const Alternative& alternative : type.alternatives) found.push_back(alternative.number);
         EXPECT_EQ(found, numbers) << type.name;

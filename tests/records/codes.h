@@ -6,8 +6,8 @@
 
 namespace zyn::test {
 
-// The codes of one record by place: the name of a field, or "inner " and the name, or outer, content, element,
-// alternative, stray, length. A place that can never fail has none.
+// The codes of one record by place: the name of a field, or "inner " and the name, or outer, content,
+// element, alternative, stray, length. A place that can never fail has none.
 using RecordCodes = std::map<std::string, int>;
 
 struct ListedRecord {

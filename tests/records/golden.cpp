@@ -1,6 +1,6 @@
-// The messages of tests/messages, one a file: lines that start with # and tell what it is, a line with the channel, the
-// octets in hexadecimal over one or more lines, an empty line, and the printed message up to the end of the file. Each of
-// them decodes, prints as it stands there, and is encoded to the same octets again.
+// The messages of tests/messages, one a file: lines that start with # and tell what it is, a line with the
+// channel, the octets in hexadecimal over one or more lines, an empty line, and the printed message up to the
+// end of the file. Each of them decodes, prints as it stands there, and is encoded to the same octets again.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,14 +36,16 @@ Golden read(const std::filesystem::path& path) {
     std::ostringstream text;
     text << file.rdbuf();
     golden.text = text.str();
-    if (golden.text.ends_with("\n")) golden.text.pop_back(); // the file's last line is closed, the printed one is not
+    if (golden.text.ends_with("\n"))
+        golden.text.pop_back(); // the file's last line is closed, the printed one is not
     return golden;
 }
 
 TEST(Golden, MessagesDecodePrintAndEncode) {
     TwoWays ways;
     std::set<std::filesystem::path> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(ZYN_TEST_DATA "/messages")) paths.insert(entry.path());
+    for (const auto& entry : std::filesystem::directory_iterator(ZYN_TEST_DATA "/messages"))
+        paths.insert(entry.path());
     for (const auto& path : paths) {
         if (path.extension() != ".txt") continue;
         SCOPED_TRACE(path.filename());
@@ -57,7 +59,8 @@ TEST(Golden, MessagesDecodePrintAndEncode) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(), golden.text);
         const auto room = static_cast<uint32_t>(golden.octets.size());
         const std::string user = userIn(*golden.channel, message);
-        EXPECT_EQ(toHex(ways.encode(*golden.channel, user, choiceIn(*golden.channel, message), room)), toHex(golden.octets));
+        EXPECT_EQ(toHex(ways.encode(*golden.channel, user, choiceIn(*golden.channel, message), room)),
+                  toHex(golden.octets));
         EXPECT_EQ(ways.problem, "");
     }
     EXPECT_GE(paths.size(), 3u);

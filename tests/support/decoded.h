@@ -1,4 +1,4 @@
-// Decodes the content of one record by the exact way, which is all that the exported operations of a record do.
+// Decodes and encodes the content of one record by the exact way, as the exported operations do.
 #pragma once
 
 #include <stdexcept>
@@ -29,7 +29,8 @@ inline Decoded decodedContent(TypeId type, AsnTag tag, AsnLen length, const Octe
     SBuf b = readingBuffer(copy.get(), octets.size());
     ZynEncodeMemReset();
     Decoded result{0, {}, valueInArena(typeOf(type)), 0};
-    const Caught end = caught([&](jmp_buf env) { decodeContent(&b, type, tag, length, result.value, &result.read, env); });
+    const Caught end =
+        caught([&](jmp_buf env) { decodeContent(&b, type, tag, length, result.value, &result.read, env); });
     result.code = end.code;
     for (const std::string& message : end.messages) result.messages += message;
     return result;

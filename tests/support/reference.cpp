@@ -32,14 +32,15 @@ Octets Writer::element(AsnTag tag, const Octets& content) {
     const std::size_t length = content.size();
     std::size_t count = 0; // octets beyond the first
     while (length >= 0x80 && count < 4 && length >> (8 * count) != 0) ++count;
-    if (chance(forms.longLength)) count = std::max<std::size_t>(count, 1) + below(random, 5 - std::max<std::size_t>(count, 1));
+    if (chance(forms.longLength))
+        count = std::max<std::size_t>(count, 1) + below(random, 5 - std::max<std::size_t>(count, 1));
     octets.push_back(static_cast<uint8_t>(count == 0 ? length : 0x80 | count));
     while (count-- > 0) octets.push_back(static_cast<uint8_t>(length >> (8 * count)));
     append(octets, content);
     return octets;
 }
 
-// The octets [from, to) of a string as components, one behind the other. last: the string's last octets are among them.
+// The octets of a string, or of a part of it, as components. last: the part is the one that ends the string.
 Octets Writer::stringPieces(Kind kind, const Octets& octets, unsigned unusedBits, bool last, int depth) {
     const AsnTag tag = kind == Kind::Octs ? 0x04000000 : 0x03000000;
     Octets result;
@@ -48,11 +49,14 @@ Octets Writer::stringPieces(Kind kind, const Octets& octets, unsigned unusedBits
     for (std::size_t i = 0; i < count; ++i) {
         const bool lastHere = i + 1 == count;
         // The last component keeps an octet, for the unused bits to stand in.
-        const std::size_t to = lastHere ? octets.size() : from + below(random, octets.size() - from + (octets.empty() ? 1 : 0));
-        const Octets part(octets.begin() + static_cast<std::ptrdiff_t>(from), octets.begin() + static_cast<std::ptrdiff_t>(to));
+        const std::size_t to =
+            lastHere ? octets.size() : from + below(random, octets.size() - from + (octets.empty() ? 1 : 0));
+        const Octets part(octets.begin() + static_cast<std::ptrdiff_t>(from),
+                          octets.begin() + static_cast<std::ptrdiff_t>(to));
         from = to;
         if (depth < 3 && chance(30)) {
-            append(result, element(tag | constructedBit, stringPieces(kind, part, unusedBits, last && lastHere, depth + 1)));
+            append(result, element(tag | constructedBit,
+                                   stringPieces(kind, part, unusedBits, last && lastHere, depth + 1)));
             continue;
         }
         Octets content = part;
@@ -145,14 +149,16 @@ Octets Writer::valueElement(Kind kind, TypeId type, AsnTag tag, const void* valu
     case Kind::Bits: {
         const auto* bits = static_cast<const AsnBits*>(value);
         const auto count = (static_cast<uint32_t>(bits->bitLen) + 7) / 8;
-        return stringElement(kind, tag, Octets(bits->bits, bits->bits + count), count * 8 - static_cast<uint32_t>(bits->bitLen));
+        return stringElement(kind, tag, Octets(bits->bits, bits->bits + count),
+                             count * 8 - static_cast<uint32_t>(bits->bitLen));
     }
     default: return element(tag, content(type, value));
     }
 }
 
 Octets Writer::fieldElement(const Field& field, const void* value) {
-    if (field.kind == Kind::Choice) return choiceElement(typeOf(field.type), static_cast<const ChoiceRecord*>(value));
+    if (field.kind == Kind::Choice)
+        return choiceElement(typeOf(field.type), static_cast<const ChoiceRecord*>(value));
     if (field.kind == Kind::SetOf && !value) return element(field.tag, {});
     if (field.wrapped) return element(field.tag, valueElement(field.kind, field.type, 0x02000000, value));
     return valueElement(field.kind, field.type, field.tag, value);
@@ -178,7 +184,8 @@ Pieces Writer::pieces(const Type& type, const void* value) {
         }
     }
     if (!result.empty() && chance(forms.damage)) {
-        const Octets strays[] = {{0x05, 0x00}, {0x30, 0x00}, {0x00, 0x00}, {0xBF, 0x7F, 0x00}, {0x02, 0x01, 0x05}};
+        const Octets strays[] = {
+            {0x05, 0x00}, {0x30, 0x00}, {0x00, 0x00}, {0xBF, 0x7F, 0x00}, {0x02, 0x01, 0x05}};
         const auto place = result.begin() + below(random, result.size());
         switch (below(random, 3)) {
         case 0: result.erase(place); break;
@@ -233,7 +240,8 @@ std::string choiceDifference(const Type& type, const ChoiceRecord& sent, const C
     if (sent.choiceId != decoded.choiceId) return ": choiceId " + std::to_string(decoded.choiceId);
     for (const Alternative& row : type.alternatives) {
         if (row.number != sent.choiceId) continue;
-        if (row.kind == Kind::Int) return sent.number == decoded.number ? "" : under(row.name, ": number in the slot");
+        if (row.kind == Kind::Int)
+            return sent.number == decoded.number ? "" : under(row.name, ": number in the slot");
         if (!decoded.slot) return under(row.name, ": null slot");
         const std::string found = difference(row.type, sent.slot, decoded.slot);
         return found.empty() ? "" : under(row.name, found);
@@ -259,9 +267,11 @@ std::string difference(TypeId id, const void* sent, const void* decoded) {
     const Type& type = typeOf(id);
     switch (type.shape) {
     case Shape::Sequence: return sequenceDifference(type, sent, decoded);
-    case Shape::SetOf: return listDifference(type, static_cast<const AsnList*>(sent), *static_cast<const AsnList*>(decoded));
+    case Shape::SetOf:
+        return listDifference(type, static_cast<const AsnList*>(sent), *static_cast<const AsnList*>(decoded));
     case Shape::Choice:
-        return choiceDifference(type, *static_cast<const ChoiceRecord*>(sent), *static_cast<const ChoiceRecord*>(decoded));
+        return choiceDifference(type, *static_cast<const ChoiceRecord*>(sent),
+                                *static_cast<const ChoiceRecord*>(decoded));
     case Shape::Primitive: break;
     }
     switch (id) {
@@ -269,9 +279,11 @@ std::string difference(TypeId id, const void* sent, const void* decoded) {
         const AsnBool value = *static_cast<const AsnBool*>(decoded);
         return value == (*static_cast<const AsnBool*>(sent) ? 1 : 0) ? "" : ": BOOLEAN";
     }
-    case TypeId::AsnOcts: return textDifference(*static_cast<const AsnOcts*>(sent), *static_cast<const AsnOcts*>(decoded));
+    case TypeId::AsnOcts:
+        return textDifference(*static_cast<const AsnOcts*>(sent), *static_cast<const AsnOcts*>(decoded));
     case TypeId::AsnBits: {
-        const auto &original = *static_cast<const AsnBits*>(sent), &value = *static_cast<const AsnBits*>(decoded);
+        const auto &original = *static_cast<const AsnBits*>(sent),
+                   &value = *static_cast<const AsnBits*>(decoded);
         if (!value.bits) return ": absent";
         if (original.bitLen != value.bitLen) return ": bitLen";
         return std::equal(original.bits, original.bits + (value.bitLen + 7) / 8, value.bits) ? "" : ": bits";

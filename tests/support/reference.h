@@ -1,5 +1,5 @@
-// A second encoder, written for clearness and apart from the library's: what the octets of a record tree have to be, in the
-// form that encoders write or in any other form that BER allows. And the comparison of two trees.
+// A second encoder, written for clearness and apart from the library's: what the octets of a record tree have
+// to be, in the form that encoders write or in any other that BER allows. And the comparison of two trees.
 #pragma once
 
 #include <cstdint>
@@ -15,11 +15,11 @@ using Pieces = std::vector<Octets>; // whole elements, with tag and length
 
 // How often the other forms are chosen, in percent.
 struct Forms {
-    uint32_t indefinite = 0; // lengths of constructed elements (X.690 8.1.3.6)
-    uint32_t longLength = 0; // lengths of more octets than needed (8.1.3.5)
-    uint32_t cutStrings = 0; // strings in pieces, nested and empty ones too (8.6.4, 8.7.3)
-    uint32_t looseValues = 0; // TRUE other than FF (8.2.2); REAL with other bases, scaling or exponent forms (8.5.7)
-    uint32_t damage = 0;     // contents that lack an element, have it twice, or have one that no record knows
+    uint32_t indefinite = 0;  // lengths of constructed elements (X.690 8.1.3.6)
+    uint32_t longLength = 0;  // lengths of more octets than needed (8.1.3.5)
+    uint32_t cutStrings = 0;  // strings in pieces, nested and empty ones too (8.6.4, 8.7.3)
+    uint32_t looseValues = 0; // TRUE other than FF (8.2.2), REAL in other bases and forms (8.5.7)
+    uint32_t damage = 0; // contents that lack an element, have it twice, or have one that no record knows
 };
 
 class Writer {
@@ -50,8 +50,8 @@ void append(Octets& to, const Octets& more);
 Octets joined(const Pieces& pieces);
 Octets tagOctetsOf(AsnTag tag);
 
-// The path to the first thing in which a decoded tree is not the one that was sent, and what it is; empty: there is
-// none. Decoded lists must also have the members that appending gives, and decoded text its closing 0 byte.
+// The path to the first thing in which a decoded tree is not the one that was sent, and what it is; empty:
+// there is none. Decoded lists must also have what appending gives, and decoded text its closing 0 byte.
 std::string difference(TypeId type, const void* sent, const void* decoded);
 
 } // namespace zyn::test

@@ -31,7 +31,9 @@ void Sampler::fill(TypeId id, void* value) {
     switch (id) {
     case TypeId::AsnInt:
     case TypeId::AsnEnum: *static_cast<AsnInt*>(value) = integer(); break;
-    case TypeId::AsnBool: *static_cast<AsnBool*>(value) = static_cast<AsnBool>(chance(50) ? 0 : 1 + below(random, 255)); break;
+    case TypeId::AsnBool:
+        *static_cast<AsnBool*>(value) = static_cast<AsnBool>(chance(50) ? 0 : 1 + below(random, 255));
+        break;
     case TypeId::AsnReal: *static_cast<AsnReal*>(value) = real(); break;
     case TypeId::AsnOcts: fillText(*static_cast<AsnOcts*>(value), textLength()); break;
     default: fillBits(*static_cast<AsnBits*>(value)); break;
@@ -114,8 +116,9 @@ AsnReal Sampler::real() {
     const int lowest = taste.subnormal ? -1074 : -1022;
     const int highest = 1023 - 8 * static_cast<int>(octets);
     const int edges[] = {lowest, lowest + 1, -1022, -129, -128, 0, 127, 128, highest};
-    const int exponent = chance(30) ? edges[below(random, std::size(edges))]
-                                    : lowest + static_cast<int>(below(random, static_cast<uint32_t>(highest - lowest + 1)));
+    const int exponent =
+        chance(30) ? edges[below(random, std::size(edges))]
+                   : lowest + static_cast<int>(below(random, static_cast<uint32_t>(highest - lowest + 1)));
     return std::ldexp(static_cast<double>(mantissa), exponent) * (chance(50) ? 1 : -1);
 }
 

@@ -13,7 +13,7 @@ namespace zyn::test {
 using Random = std::mt19937;
 inline uint32_t below(Random& random, std::size_t limit) { return static_cast<uint32_t>(random() % limit); }
 
-// Zero-filled blocks of exactly the size asked for, so that a sanitizer sees any octet that is read behind them.
+// Zero-filled blocks of exactly the size asked for, so that a sanitizer sees what is read behind them.
 class Memory {
 public:
     void* take(std::size_t size) { return blocks.emplace_back(new uint8_t[size]()).get(); }
@@ -30,8 +30,8 @@ struct Taste {
     bool subnormal = true;        // REAL values too small for a normal double are among them
 };
 
-// Makes trees that live as long as the sampler. Values are often those at the edge of a form on the wire. What encoders
-// take as a short cut is in them too: a null list, a null text of length 0, the null slot of an empty record.
+// Makes trees that live as long as the sampler. Values are often those at the edge of a form on the wire.
+// What encoders take as a short cut is in them too: a null list, a null text, the null slot of an empty record.
 class Sampler {
 public:
     explicit Sampler(uint32_t seed, Taste how = {}) : random(seed), taste(how) {}
@@ -39,12 +39,12 @@ public:
     void* make(TypeId type);
     // A CHOICE record with that alternative.
     ChoiceRecord* make(TypeId choice, const Alternative& alternative);
-    void fillText(AsnOcts& text, std::size_t length);
 
 private:
     void fill(TypeId type, void* value);
     void fillSequence(const Type& type, void* record);
     void fillChoice(const Alternative& alternative, ChoiceRecord* choice);
+    void fillText(AsnOcts& text, std::size_t length);
     void fillBits(AsnBits& bits);
     void fillList(const Type& type, AsnList& list);
     AsnInt integer();

@@ -28,14 +28,16 @@ std::string* reportedTo = nullptr;
 void report(char* text, int) { *reportedTo += text; }
 
 bool allZero(const uint8_t* from, const uint8_t* to) {
-    return from == to || (*from == 0 && std::memcmp(from, from + 1, static_cast<std::size_t>(to - from) - 1) == 0);
+    return from == to ||
+           (*from == 0 && std::memcmp(from, from + 1, static_cast<std::size_t>(to - from) - 1) == 0);
 }
 
 // Where in an arena a word points to: block and offset. Block -1: nowhere.
 std::pair<int, std::ptrdiff_t> placeOf(const NibbleMem* arena, uint64_t word) {
     int index = 0;
     for (const NibbleBuf* block = arena->firstNibbleBuf; block; block = block->next, ++index) {
-        const auto start = reinterpret_cast<uintptr_t>(block->start), end = reinterpret_cast<uintptr_t>(block->end);
+        const auto start = reinterpret_cast<uintptr_t>(block->start),
+                   end = reinterpret_cast<uintptr_t>(block->end);
         if (word >= start && word <= end) return {index, static_cast<std::ptrdiff_t>(word - start)};
     }
     return {-1, 0};
@@ -51,7 +53,8 @@ void collectLists(TypeId id, const void* value, Lists& lists) {
     if (type.shape == Shape::SetOf) {
         auto* list = static_cast<AsnList*>(const_cast<void*>(value));
         lists.push_back(list);
-        for (AsnListNode* n = list->last; n && n->data; n = n->prev) collectLists(type.element, n->data, lists);
+        for (AsnListNode* n = list->last; n && n->data; n = n->prev)
+            collectLists(type.element, n->data, lists);
     } else if (type.shape == Shape::Choice) {
         const auto* choice = static_cast<const ChoiceRecord*>(value);
         const Alternative* row = alternativeOf(type, choice->choiceId);
@@ -66,37 +69,39 @@ const AsnListNode* walkedTo(const AsnList* list, const AsnListNode* before) {
     return node;
 }
 
-template <typename Message, auto decodeMessage, auto printMessage> struct Calls {
-    static int32_t decode(const uint8_t* octets, uint32_t length, void* message) {
-        return decodeMessage(octets, length, static_cast<Message*>(message));
-    }
-    static int print(void* message) { return printMessage(nullptr, static_cast<Message*>(message)); }
-};
-
-uint32_t encodeTransRep(const char*, void* record, uint32_t id, uint8_t* block, uint32_t size) {
-    return ZynTransReplyEncode(record, id, block, size);
+template <typename Message, auto decodeMessage, auto printMessage>
+Channel channel(const char* name, TypeId message, TypeId choice, decltype(Channel::encode) encode) {
+    return {name,
+            message,
+            choice,
+            [](const uint8_t* octets, uint32_t length, void* to) {
+        return decodeMessage(octets, length, static_cast<Message*>(to));
+            },
+            encode,
+            [](void* from) { return printMessage(nullptr, static_cast<Message*>(from)); }};
 }
 
-uint32_t encodeQueryRep(const char*, void* record, uint32_t id, uint8_t* block, uint32_t size) {
-    return ZynQueryReplyEncode(record, id, block, size);
+template <auto encode>
+uint32_t encodeReply(const char*, void* record, uint32_t choiceId, uint8_t* block, uint32_t size) {
+    return encode(record, choiceId, block, size);
 }
-
-using TransReq = Calls<ZynTransReq, ZynTransRequestDecode, ZynTransRequestPrint>;
-using QueryReq = Calls<ZynQueryReq, ZynQueryRequestDecode, ZynQueryRequestPrint>;
-using TransRep = Calls<ZynTransRep, ZynTransReplyDecode, ZynTransReplyPrint>;
-using QueryRep = Calls<ZynQueryRep, ZynQueryReplyDecode, ZynQueryReplyPrint>;
 
 } // namespace
 
 const Channel channels[4] = {
-    {"trans-request", TypeId::ZynTransReq, TypeId::ZynTransReqChoice, TransReq::decode, ZynTransRequestEncode, TransReq::print},
-    {"query-request", TypeId::ZynQueryReq, TypeId::ZynQueryReqChoice, QueryReq::decode, ZynQueryRequestEncode, QueryReq::print},
-    {"trans-reply", TypeId::ZynTransRep, TypeId::ZynTransRep, TransRep::decode, encodeTransRep, TransRep::print},
-    {"query-reply", TypeId::ZynQueryRep, TypeId::ZynQueryRep, QueryRep::decode, encodeQueryRep, QueryRep::print},
+    channel<ZynTransReq, ZynTransRequestDecode, ZynTransRequestPrint>(
+        "trans-request", TypeId::ZynTransReq, TypeId::ZynTransReqChoice, ZynTransRequestEncode),
+    channel<ZynQueryReq, ZynQueryRequestDecode, ZynQueryRequestPrint>(
+        "query-request", TypeId::ZynQueryReq, TypeId::ZynQueryReqChoice, ZynQueryRequestEncode),
+    channel<ZynTransRep, ZynTransReplyDecode, ZynTransReplyPrint>(
+        "trans-reply", TypeId::ZynTransRep, TypeId::ZynTransRep, encodeReply<ZynTransReplyEncode>),
+    channel<ZynQueryRep, ZynQueryReplyDecode, ZynQueryReplyPrint>(
+        "query-reply", TypeId::ZynQueryRep, TypeId::ZynQueryRep, encodeReply<ZynQueryReplyEncode>),
 };
 
 const Channel& channelOf(TypeId message) {
-    return *std::find_if(std::begin(channels), std::end(channels), [&](auto& c) { return c.message == message; });
+    return *std::find_if(std::begin(channels), std::end(channels),
+                         [&](auto& c) { return c.message == message; });
 }
 
 const ChoiceRecord* choiceIn(const Channel& channel, const void* message) {
@@ -163,8 +168,10 @@ void TwoWays::compareArenas() {
     for (; a && b; a = a->next, b = b->next) {
         if (a->end - a->start != b->end - b->start) return note("sizes of the blocks");
         if (a->curr - a->start != b->curr - b->start) return note("use of the blocks");
-        if (!sameWords(a->start, b->start, static_cast<std::size_t>(a->curr - a->start))) return note("trees");
-        if (!allZero(a->curr, a->end) || !allZero(b->curr, b->end)) return note("the arena is not zero behind its cursor");
+        if (!sameWords(a->start, b->start, static_cast<std::size_t>(a->curr - a->start)))
+            return note("trees");
+        if (!allZero(a->curr, a->end) || !allZero(b->curr, b->end))
+            return note("the arena is not zero behind its cursor");
         if ((a == arenas[0]->currNibbleBuf) != (b == arenas[1]->currNibbleBuf)) return note("current blocks");
     }
     if (a || b) note("numbers of blocks");
@@ -199,7 +206,8 @@ void* TwoWays::decode(const Channel& channel, const Octets& octets) {
     return messages[0];
 }
 
-Octets TwoWays::encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice, uint32_t room) {
+Octets TwoWays::encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice,
+                       uint32_t room) {
     Lists lists;
     collectLists(channel.choice, choice, lists);
     Octets result[2];

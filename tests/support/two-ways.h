@@ -1,4 +1,5 @@
-// Sends messages through the entry points by the direct way and by the exact way, and compares all that either leaves behind.
+// Sends messages through the entry points by the direct way and by the exact way, and compares all that
+// either leaves behind.
 #pragma once
 
 #include <string>
@@ -28,7 +29,8 @@ const ChoiceRecord* choiceIn(const Channel& channel, const void* message);
 // The sender as an Encode takes it: 12 characters, from a request's userId.
 std::string userIn(const Channel& channel, const void* message);
 // The whole message of a record, by the reference.
-Octets messageOf(const Channel& channel, const std::string& user, const ChoiceRecord* choice, Writer writer = {});
+Octets messageOf(const Channel& channel, const std::string& user, const ChoiceRecord* choice,
+                 Writer writer = {});
 
 // Decoded trees live in two arenas of its own and stay until the next decode. Elsewhere nmG is a third one.
 class TwoWays {
