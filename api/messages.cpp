@@ -28,11 +28,27 @@ SBuf readBuffer(const uint8_t* message, uint32_t length) {
             .readLoc = start, .writeError = 1, .readError = 0};
 }
 
-// The finished octets stand at the end of the block; the caller finds them at its start.
+// The finished octets stand at the end of the block; the caller finds them at its start. Short messages are loaded whole
+// before anything is stored, as both places may overlap; that spares them a call.
 uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
     const auto length = static_cast<uint32_t>(end - start);
-    if (start != buffer) std::memmove(buffer, start, length);
+    struct Half {
+        uint64_t words[4];
+    };
+    if (length >= sizeof(Half) && length <= 2 * sizeof(Half)) {
+        const auto first = load<Half>(start), last = load<Half>(end - sizeof(Half));
+        store(buffer, first);
+        store(buffer + length - sizeof(Half), last);
+    } else if (start != buffer) {
+        std::memmove(buffer, start, length);
+    }
     return length;
+}
+
+// Most encodes find the arena empty.
+void emptyArena() {
+    const NibbleBuf* block = currentArena()->currNibbleBuf;
+    if (block->curr != block->start || block != currentArena()->firstNibbleBuf) ResetNibbleMem();
 }
 
 uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
@@ -50,7 +66,7 @@ template <TypeId id> uint32_t encodeEnvelope(const void* envelope, uint8_t* buff
     else start = encodeExact(id, envelope, buffer, bufferLen);
     if (!start) return 0;
     const uint32_t length = moveToStart(buffer, start, end);
-    ResetNibbleMem();
+    emptyArena();
     return length;
 }
 
@@ -67,7 +83,7 @@ int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* env
 
 template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t length, void* envelope) {
     if (!setUp()) return ZYN_E_NO_MEMORY;
-    ResetNibbleMem();
+    emptyArena();
     if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
         tellWay(Way::Direct);
         return 0;

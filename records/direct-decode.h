@@ -104,7 +104,7 @@ struct Measured {
 
 // The octets of a primitive string with their closing 0 byte, in whole words: the last word is masked, so that it holds
 // the 0 and leaves the arena's zeros behind it.
-[[gnu::noinline]] inline Cursor copyString(Cursor at, std::size_t length, AsnOcts* text, Source& source) {
+[[gnu::always_inline]] inline Cursor copyString(Cursor at, std::size_t length, AsnOcts* text, Source& source) {
     uint8_t* octs;
     if (!take(octs, at.free, length + 1, source)) return giveUp(at);
     text->octetLen = static_cast<uint32_t>(length);

@@ -80,7 +80,7 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushShortHeader(uin
 
 // A string with its length and a tag of one octet. Null: no room for it and for what else is needed in front of it.
 // Up to 16 octets go in two moves that overlap.
-[[gnu::noinline]] inline uint8_t* pushString(uint8_t* w, uint8_t* begin, const AsnOcts& text, std::size_t needed,
+[[gnu::always_inline]] inline uint8_t* pushString(uint8_t* w, uint8_t* begin, const AsnOcts& text, std::size_t needed,
                                              uint8_t tag) {
     const std::size_t length = text.octetLen;
     const uint8_t* from = text.octs;
