@@ -6,6 +6,8 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build)
 test_packages=("${build_packages[@]}" libgtest-dev)
+bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
+    flatbuffers-compiler libflatbuffers-dev)
 
 say() { printf '== %s\n' "$*"; }
 
@@ -69,6 +71,20 @@ verb_test() {
     ctest --preset "$preset"
 }
 
+## bench [--plot]  measure, beside the peers and the floors, and print all figures; --plot: draw them as well
+verb_bench() {
+    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot or nothing"
+    set_up "${bench_packages[@]}"
+    build bench
+    say "measuring; this takes minutes"
+    bench/table build/bench
+    if [[ ${1:-} == --plot ]]; then
+        say "drawing docs/performance.svg"
+        mkdir -p docs
+        build/bench/bin/zyn-bench-plot build/bench/figures.csv docs/performance.svg
+    fi
+}
+
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
     set_up "${build_packages[@]}"
@@ -92,6 +108,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb == test ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ $verb == test || $verb == bench ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"

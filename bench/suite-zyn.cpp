@@ -1,0 +1,189 @@
+// The codec itself through its entry points: message by message, mixed, in other forms, refused, and printed.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "bench/suite.h"
+#include "zyn/zyn.h"
+
+namespace zyn::bench {
+namespace {
+
+constexpr const char* who = "zyn";
+constexpr std::size_t bufferSize = 65536;
+constexpr std::size_t rounds = 64;      // of the mixed traffic, each in another order
+constexpr std::size_t hotRepeats = 256; // of one message in a row, for what it costs alone
+
+uint8_t buffer[bufferSize];
+
+template <typename Points> void decodeLoop(benchmark::State& state, const Message& message) {
+    typename Points::Envelope envelope;
+    const uint8_t* octets = message.octets.data();
+    const auto size = static_cast<uint32_t>(message.octets.size());
+    for (auto _ : state) benchmark::DoNotOptimize(Points::decode(octets, size, &envelope));
+    setOctets(state, size);
+}
+
+template <typename Points> void encodeLoop(benchmark::State& state, const Message& message) {
+    void* record = message.record;
+    const uint32_t choiceId = message.choiceId;
+    for (auto _ : state) benchmark::DoNotOptimize(Points::encode(record, choiceId, buffer, bufferSize));
+    setOctets(state, message.octets.size());
+}
+
+template <typename Points> void turnLoop(benchmark::State& state, const Message& message) {
+    typename Points::Envelope envelope;
+    const uint8_t* octets = message.octets.data();
+    const auto size = static_cast<uint32_t>(message.octets.size());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(Points::decode(octets, size, &envelope));
+        benchmark::DoNotOptimize(
+            Points::encode(Points::record(envelope), Points::choiceId(envelope), buffer, bufferSize));
+    }
+    setOctets(state, size);
+}
+
+// The octets counted here are those of the text.
+template <typename Points> void printLoop(benchmark::State& state, const Message& message) {
+    TreeMemory memory;
+    auto* envelope = static_cast<Points::Envelope*>(const_cast<void*>(envelopeOf(message, memory)));
+    char* text = nullptr;
+    std::size_t size = 0;
+    FILE* stream = open_memstream(&text, &size);
+    for (auto _ : state) {
+        Points::print(stream, envelope, 0);
+        std::fflush(stream);
+        std::rewind(stream);
+    }
+    Points::print(stream, envelope, 0);
+    setOctets(state, static_cast<std::size_t>(std::ftell(stream)));
+    std::fclose(stream);
+    std::free(text);
+}
+
+// What mixed traffic needs of a message, close together.
+struct Step {
+    Channel channel;
+    uint32_t choiceId;
+    const uint8_t* octets;
+    void* record;
+    uint32_t size;
+};
+
+using Order = std::vector<uint16_t>;
+
+// All messages, shuffled anew each round.
+Order shuffled(std::size_t count) {
+    std::mt19937 random(7);
+    Order order;
+    for (std::size_t round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < count; ++i) order.push_back(static_cast<uint16_t>(i));
+        const auto now = order.end() - static_cast<std::ptrdiff_t>(count);
+        std::shuffle(now, order.end(), random);
+    }
+    return order;
+}
+
+Order oneByOne(std::size_t count) {
+    Order order;
+    for (std::size_t i = 0; i < count; ++i) order.insert(order.end(), hotRepeats, static_cast<uint16_t>(i));
+    return order;
+}
+
+void decodeMixed(benchmark::State& state, const std::vector<Step>& steps, const Order& order) {
+    union {
+        ZynTransReq transRequest;
+        ZynQueryReq queryRequest;
+        ZynTransRep transReply;
+        ZynQueryRep queryReply;
+    } envelope;
+    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(order.size()))) {
+        for (const uint16_t i : order) {
+            const Step& step = steps[i];
+            int32_t code = 0;
+            switch (step.channel) {
+            case Channel::TransRequest:
+                code = ZynTransRequestDecode(step.octets, step.size, &envelope.transRequest);
+                break;
+            case Channel::QueryRequest:
+                code = ZynQueryRequestDecode(step.octets, step.size, &envelope.queryRequest);
+                break;
+            case Channel::TransReply: code = ZynTransReplyDecode(step.octets, step.size, &envelope.transReply); break;
+            case Channel::QueryReply: code = ZynQueryReplyDecode(step.octets, step.size, &envelope.queryReply); break;
+            }
+            benchmark::DoNotOptimize(code);
+        }
+    }
+}
+
+void encodeMixed(benchmark::State& state, const std::vector<Step>& steps, const Order& order) {
+    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(order.size()))) {
+        for (const uint16_t i : order) {
+            const Step& step = steps[i];
+            uint32_t size = 0;
+            switch (step.channel) {
+            case Channel::TransRequest:
+                size = ZynTransRequestEncode(sender, step.record, step.choiceId, buffer, bufferSize);
+                break;
+            case Channel::QueryRequest:
+                size = ZynQueryRequestEncode(sender, step.record, step.choiceId, buffer, bufferSize);
+                break;
+            case Channel::TransReply: size = ZynTransReplyEncode(step.record, step.choiceId, buffer, bufferSize); break;
+            case Channel::QueryReply: size = ZynQueryReplyEncode(step.record, step.choiceId, buffer, bufferSize); break;
+            }
+            benchmark::DoNotOptimize(size);
+        }
+    }
+}
+
+// The same loop over three orders, so that they differ in nothing else. "channels" is the random order with the
+// messages of a channel together: then the caller's own choice of entry point is no surprise to the machine.
+void addMixed(const std::vector<Message>& mixed) {
+    static std::vector<Step> steps;
+    for (const Message& message : mixed) {
+        steps.push_back({message.channel, message.choiceId, message.octets.data(), message.record,
+                         static_cast<uint32_t>(message.octets.size())});
+    }
+    static const Order random = shuffled(steps.size());
+    static const Order alone = oneByOne(steps.size());
+    static const Order channels = [] {
+        Order order = random;
+        for (auto start = order.begin(); start != order.end(); start += static_cast<std::ptrdiff_t>(steps.size())) {
+            std::stable_sort(start, start + static_cast<std::ptrdiff_t>(steps.size()),
+                             [](uint16_t a, uint16_t b) { return steps[a].channel < steps[b].channel; });
+        }
+        return order;
+    }();
+    for (const auto& [name, order] :
+         {std::pair("random", &random), std::pair("alone", &alone), std::pair("channels", &channels)}) {
+        const Order& sequence = *order;
+        add("mixed-decode", who, name, [&sequence](benchmark::State& state) { decodeMixed(state, steps, sequence); });
+        add("mixed-encode", who, name, [&sequence](benchmark::State& state) { encodeMixed(state, steps, sequence); });
+    }
+}
+
+void addDecode(const char* operation, const Message& message) {
+    onChannel(message.channel, [&]<typename Points>(Points) {
+        add(operation, who, message.name, [&message](benchmark::State& state) { decodeLoop<Points>(state, message); });
+    });
+}
+
+void addAll(const Traffic& traffic) {
+    for (const Message& message : traffic.seven) {
+        addDecode("decode", message);
+        onChannel(message.channel, [&]<typename Points>(Points) {
+            add("encode", who, message.name,
+                [&message](benchmark::State& state) { encodeLoop<Points>(state, message); });
+            add("turn", who, message.name, [&message](benchmark::State& state) { turnLoop<Points>(state, message); });
+            add("print", who, message.name, [&message](benchmark::State& state) { printLoop<Points>(state, message); });
+        });
+    }
+    for (const Message& message : traffic.forms) addDecode("form", message);
+    for (const Message& message : traffic.refused) addDecode("refuse", message);
+    addMixed(traffic.mixed);
+}
+
+const Enlist enlist({who, addAll});
+
+} // namespace
+} // namespace zyn::bench
