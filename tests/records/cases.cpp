@@ -132,7 +132,7 @@ TEST(Cases, AllRows) {
             ++rows;
         }
     }
-    EXPECT_GT(rows, 200);
+    EXPECT_GT(rows, 800);
 }
 
 } // namespace
