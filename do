@@ -71,7 +71,7 @@ verb_test() {
     ctest --preset "$preset"
 }
 
-## bench [--plot]  measure, beside the peers and the floors, and print all figures; --plot: draw them as well
+## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well
 verb_bench() {
     [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot or nothing"
     set_up "${bench_packages[@]}"
