@@ -113,7 +113,7 @@ AsnReal Sampler::real() {
     uint64_t mantissa = uint64_t{random()} << 32 | random();
     mantissa = (mantissa >> (64 - 8 * octets)) | uint64_t{1} << (8 * octets - 1);
     mantissa &= octets == 7 ? ~uint64_t{7} : ~uint64_t{0}; // 53 bits in all
-    const int lowest = taste.subnormal ? -1074 : -1022;
+    const int lowest = -1074;
     const int highest = 1023 - 8 * static_cast<int>(octets);
     const int edges[] = {lowest, lowest + 1, -1022, -129, -128, 0, 127, 128, highest};
     const int exponent =

@@ -27,7 +27,6 @@ struct Taste {
     uint32_t presentPercent = 50; // of the OPTIONAL fields; 0: all are absent, 100: all are there
     uint32_t longestText = 300;   // octets
     uint32_t longestList = 4;     // elements
-    bool subnormal = true;        // REAL values too small for a normal double are among them
 };
 
 // Makes trees that live as long as the sampler. Values are often those at the edge of a form on the wire.
