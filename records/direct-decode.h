@@ -9,10 +9,10 @@
 
 #include <utility>
 
+#include "records/direct-bounds.h"
 #include "records/direct.h"
 #include "records/members.h"
 #include "records/octets.h"
-#include "records/tables.h"
 #include "sbuf/asn-real.h"
 #include "sbuf/state.h"
 
@@ -46,10 +46,14 @@ struct Taken {
     return {memory, block->curr};
 }
 
+// Whether the room in the arena's current block has been proved for all that a record takes, or each piece is tested.
+enum class Room { tested, proved };
+
 // Takes memory as NibbleAlloc gives it: rounded up to 8 bytes, zero-filled. False when the allocator refuses.
+template <Room room = Room::tested>
 [[gnu::always_inline]] inline bool take(uint8_t*& memory, uint8_t*& free, std::size_t size, Source& source) {
-    const std::size_t rounded = (size + 7) & ~std::size_t{7};
-    if (std::size_t(source.blockEnd - free) < rounded) [[unlikely]] {
+    const std::size_t rounded = roundedUp(size);
+    if (room == Room::tested && std::size_t(source.blockEnd - free) < rounded) [[unlikely]] {
         const Taken taken = takeFromNextBlock(free, static_cast<uint32_t>(size), source);
         memory = taken.memory;
         free = taken.free;
@@ -136,25 +140,62 @@ struct Measured {
     return static_cast<AsnInt>(bigEndian(load<uint32_t>(p + length - 4)) << excess) >> excess;
 }
 
-// A REAL in the form that encoders write: base 2, no scaling, an exponent of 1 or 2 octets, a mantissa of 1 to 7.
-[[gnu::always_inline]] inline bool realAt(const uint8_t* p, std::size_t length, AsnReal* value) {
+// The mantissa of a REAL: its last octets, 1 to 7 of them.
+[[gnu::always_inline]] inline double mantissaAt(const uint8_t* end, std::size_t octets) {
+    const std::size_t excess = 64 - 8 * octets;
+    return static_cast<double>(static_cast<int64_t>(bigEndian(load<uint64_t>(end - 8)) << excess >> excess));
+}
+
+// A REAL with an exponent of two octets, or the empty one.
+[[gnu::always_inline]] inline bool rareRealAt(const uint8_t* p, std::size_t length, AsnReal* value) {
     if (length == 0) {
         *value = 0.0;
         return true;
     }
-    const unsigned exponentOctets = 1 + (p[0] & 1u);
-    const std::size_t mantissaOctets = length - 1 - exponentOctets;
-    if ((p[0] & 0xBE) != 0x80 || mantissaOctets - 1 > 6u) return false;
-    const uint64_t mantissa = bigEndian(load<uint64_t>(p + length - 8)) & (~uint64_t{0} >> (64 - 8 * mantissaOctets));
-    int32_t exponent = static_cast<int8_t>(p[1]);
-    if (exponentOctets == 2) exponent = exponent * 256 + p[2];
-    const double magnitude = static_cast<double>(static_cast<int64_t>(mantissa)) * powerOfTwo(exponent);
+    if ((p[0] & 0xBF) != 0x81 || length - 4 > 6u) return false;
+    const double magnitude = mantissaAt(p + length, length - 3) * powerOfTwo(static_cast<int8_t>(p[1]) * 256 + p[2]);
     *value = (p[0] & 0x40) ? -magnitude : magnitude;
     return true;
 }
 
-template <TypeId id> Cursor sequence(Cursor at, std::size_t length, void* record, Source& source);
+// A REAL in the form that encoders write: base 2, no scaling, a mantissa of 1 to 7 octets. With an exponent of one octet,
+// which most have, its power of two is normal and takes the sign along.
+[[gnu::always_inline]] inline bool realAt(const uint8_t* p, std::size_t length, AsnReal* value) {
+    if (length - 3 > 6u || (p[0] & 0xBF) != 0x80) [[unlikely]] return rareRealAt(p, length, value);
+    const auto exponent = static_cast<uint64_t>(exponentBias + static_cast<int8_t>(p[1]));
+    const uint64_t power = exponent << significandBits | static_cast<uint64_t>(p[0] & 0x40) << 57;
+    *value = mantissaAt(p + length, length - 2) * std::bit_cast<double>(power);
+    return true;
+}
+
+template <TypeId id, Room room = Room::tested>
+Cursor sequence(Cursor at, std::size_t length, void* record, Source& source);
 template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source);
+
+// The memory of a record and then its content. place gets the pointer to it, and has the type void* in the arena.
+template <TypeId id> [[gnu::always_inline]] inline Cursor record(Cursor at, std::size_t length, void* place, Source& source) {
+    uint8_t* memory;
+    if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
+    store(place, memory);
+    return sequence<id>(at, length, memory, source);
+}
+
+// The same for a small record that may not fit into the arena's current block.
+template <TypeId id>
+[[gnu::noinline, gnu::cold]] Cursor smallRecordAcross(Cursor at, std::size_t length, void* place, Source& source) {
+    return record<id>(at, length, place, source);
+}
+
+template <TypeId id, Room room>
+[[gnu::always_inline]] inline Cursor smallRecord(Cursor at, std::size_t length, void* place, Source& source) {
+    if (room == Room::tested && std::size_t(source.blockEnd - at.free) < smallArena(id)) [[unlikely]] {
+        return smallRecordAcross<id>(at, length, place, source);
+    }
+    uint8_t* memory;
+    take<Room::proved>(memory, at.free, typeOf(id).size, source);
+    store(place, memory);
+    return sequence<id, Room::proved>(at, length, memory, source);
+}
 
 template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, AsnList* list, Source& source) {
     constexpr TypeId element = typeOf(id).element;
@@ -169,16 +210,14 @@ template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, AsnList* list, So
         if (measured.length > rest) return giveUp(at);
         rest -= measured.length;
         uint8_t* memory;
-        uint8_t* value;
         if (!take(memory, at.free, sizeof(AsnListNode) + sizeof(void*), source)) return giveUp(at);
-        if (!take(value, at.free, typeOf(element).size, source)) return giveUp(at);
         auto* node = reinterpret_cast<AsnListNode*>(memory);
-        node->data = value;
         node->prev = last;
         (last ? last->next : list->first) = node;
         last = node;
         ++count;
-        at = sequence<element>(at, measured.length, value, source);
+        if constexpr (isSmall(element)) at = smallRecord<element, Room::tested>(at, measured.length, &node->data, source);
+        else at = record<element>(at, measured.length, &node->data, source);
         if (!at.p) return at;
     }
     list->last = list->curr = last;
@@ -206,14 +245,19 @@ struct Walk {
 };
 
 // The value of one field, whose tag and length have been read and whose octets are there.
-template <TypeId id, std::size_t index>
+template <TypeId id, std::size_t index, Room room>
 [[gnu::always_inline]] inline bool value(Walk& walk, std::size_t length, void* record) {
     constexpr const Field& row = typeOf(id).fields[index];
     void* place = static_cast<char*>(record) + row.offset;
     Cursor& at = walk.at;
+    if constexpr (row.kind == Kind::Sequence) {
+        if constexpr (isSmall(row.type)) at = smallRecord<row.type, room>(at, length, place, walk.source);
+        else at = direct::record<row.type>(at, length, place, walk.source);
+        return at.p != nullptr;
+    }
     if constexpr (row.pointer) {
         uint8_t* memory;
-        if (!take(memory, at.free, typeOf(row.type).size, walk.source)) return walk.failed();
+        if (!take<room>(memory, at.free, typeOf(row.type).size, walk.source)) return walk.failed();
         store(place, memory);
         place = memory;
     }
@@ -235,8 +279,6 @@ template <TypeId id, std::size_t index>
         at = copyString(at, length, static_cast<AsnOcts*>(place), walk.source);
     } else if constexpr (row.kind == Kind::Bits) {
         at = copyBits(at, length, static_cast<AsnBits*>(place), walk.source);
-    } else if constexpr (row.kind == Kind::Sequence) {
-        at = sequence<row.type>(at, length, place, walk.source);
     } else if constexpr (row.kind == Kind::SetOf) {
         at = setOf<row.type>(at, length, static_cast<AsnList*>(place), walk.source);
     }
@@ -267,7 +309,8 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool next(
 }
 
 // A field with a tag of its own. The tag of another one leaves an OPTIONAL field absent.
-template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool taggedField(Walk& walk, void* record) {
+template <TypeId id, std::size_t index, Room room>
+[[gnu::always_inline]] inline bool taggedField(Walk& walk, void* record) {
     constexpr const Field& row = typeOf(id).fields[index];
     constexpr std::size_t tagLength = tagOctets(row.tag);
     constexpr uint32_t tag = row.tag >> 24 | (tagLength == 2 ? row.tag >> 8 & 0xFF00 : 0);
@@ -283,7 +326,12 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool tagge
     }
 
     std::size_t length;
-    if constexpr (isConstructed(row.kind) || isString(row.kind) || tagLength == 2) {
+    if constexpr (tagLength == 1 && row.kind == Kind::Sequence && isSmall(row.type)) {
+        length = walk.head >> 8;
+        if (length >= 0x80) return walk.failed();
+        walk.at.p += 2;
+        if (!walk.consume(2 + length)) return false;
+    } else if constexpr (isConstructed(row.kind) || isString(row.kind) || tagLength == 2) {
         Measured measured;
         if (tagLength == 2 && walk.rest < 3) return walk.failed();
         const auto behindTag = static_cast<std::size_t>(walk.rest) - tagLength;
@@ -305,30 +353,30 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool tagge
         walk.at.p += 2;
         length -= 2;
     }
-    return value<id, index>(walk, length, record) && next<id, index>(walk);
+    return value<id, index, room>(walk, length, record) && next<id, index>(walk);
 }
 
 // One field. False ends the walk: the record may be complete, or the code gave up.
-template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool field(Walk& walk, void* record) {
+template <TypeId id, std::size_t index, Room room> [[gnu::always_inline]] inline bool field(Walk& walk, void* record) {
     if constexpr (typeOf(id).fields[index].kind == Kind::Choice) {
         return choiceField<id, index>(walk, record) && next<id, index>(walk);
     } else {
-        return taggedField<id, index>(walk, record);
+        return taggedField<id, index, room>(walk, record);
     }
 }
 
-template <TypeId id, std::size_t... index>
+template <TypeId id, Room room, std::size_t... index>
 [[gnu::always_inline]] inline void fields(Walk& walk, void* record, std::index_sequence<index...>) {
-    static_cast<void>((field<id, index>(walk, record) && ...));
+    static_cast<void>((field<id, index, room>(walk, record) && ...));
 }
 
-template <TypeId id> Cursor sequence(Cursor at, std::size_t length, void* record, Source& source) {
+template <TypeId id, Room room> Cursor sequence(Cursor at, std::size_t length, void* record, Source& source) {
     constexpr std::size_t count = typeOf(id).fields.size();
     if constexpr (count > 0) {
         if (length < 2) return typeOf(id).tail == 0 && length == 0 ? at : giveUp(at);
         Walk walk{at, static_cast<std::ptrdiff_t>(length), source};
         walk.readHead();
-        fields<id>(walk, record, std::make_index_sequence<count>());
+        fields<id, room>(walk, record, std::make_index_sequence<count>());
         return walk.rest == 0 ? walk.at : giveUp(walk.at);
     }
     return length == 0 ? at : giveUp(at);

@@ -8,10 +8,10 @@
 #include <bit>
 #include <utility>
 
+#include "records/direct-bounds.h"
 #include "records/direct.h"
 #include "records/members.h"
 #include "records/octets.h"
-#include "records/tables.h"
 #include "sbuf/asn-int.h"
 #include "sbuf/asn-real.h"
 
@@ -19,20 +19,6 @@ namespace zyn::direct {
 
 // The widest store.
 inline constexpr std::size_t slack = 8;
-// The most octets that a length takes.
-inline constexpr std::size_t longestLength = 5;
-
-// The most octets of a field that do not depend on the size of what it holds: tags, lengths and small values.
-constexpr std::size_t fixedOctets(const Field& row) {
-    const std::size_t header = tagOctets(row.tag) + 1;
-    switch (row.kind) {
-    case Kind::Int: return header + 4 + (row.wrapped ? 2 : 0);
-    case Kind::Bool: return header + 1;
-    case Kind::Real: return header + 10;
-    case Kind::Choice: return 0;
-    default: return tagOctets(row.tag) + longestLength + 1;
-    }
-}
 
 // Room is proved for the fields of a group at once, so that records with many OPTIONAL fields do not ask for much more
 // than they need.
@@ -116,10 +102,22 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushShortHeader(uin
     return w - signedOctets(value);
 }
 
-// A finite REAL. Null: any other, which is the exact way's business.
-[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, double value) {
-    if (value == 0.0) return w;
-    if (value - value != 0.0) [[unlikely]] return nullptr;
+// A value of one octet with its length and a tag.
+template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* w, uint8_t value) {
+    if constexpr (tagOctets(tag) == 1) {
+        store(w - 4, littleEndian(tag >> 24 << 8 | 1 << 16 | uint32_t{value} << 24));
+        return w - 3;
+    } else {
+        *--w = value;
+        return pushShortHeader<tag>(w, 1);
+    }
+}
+
+// A REAL that is subnormal, or whose exponent takes two octets. Null: none that is finite, which is the exact way's
+// business.
+[[gnu::noinline, gnu::cold]] inline uint8_t* pushRareReal(uint8_t* w, double value, uint8_t tag) {
+    if (value - value != 0.0) return nullptr;
+    uint8_t* const after = w;
     const RealParts parts = splitReal(value);
     store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
     w -= parts.octets;
@@ -127,7 +125,30 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushShortHeader(uin
     const unsigned exponentOctets = parts.exponent == static_cast<int8_t>(parts.exponent) ? 1 : 2;
     w -= exponentOctets;
     *--w = static_cast<uint8_t>((value < 0 ? 0xC0 : 0x80) + exponentOctets - 1);
+    const auto length = static_cast<uint8_t>(after - w);
+    *--w = length;
+    *--w = tag;
     return w;
+}
+
+// A REAL with its length and a tag of one octet: whole octets of mantissa, the last one not 0, and most often an exponent
+// of one octet. Null: gave up.
+[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, double value, uint8_t tag) {
+    const uint64_t bits = std::bit_cast<uint64_t>(value);
+    if (bits << 1 == 0) {
+        *--w = 0;
+        *--w = tag;
+        return w;
+    }
+    const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
+    const RealParts parts = splitNormal(bits, stored);
+    if (parts.exponent != static_cast<int8_t>(parts.exponent)) [[unlikely]] return pushRareReal(w, value, tag);
+    store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
+    w -= parts.octets;
+    const uint32_t sign = static_cast<uint32_t>(bits >> 63) << 6;
+    const uint32_t exponent = static_cast<uint8_t>(parts.exponent);
+    store(w - 4, littleEndian(tag | (parts.octets + 2) << 8 | (0x80 | sign) << 16 | exponent << 24));
+    return w - 4;
 }
 
 // An infinity that a caller made stand for another value is the exact way's business.
@@ -146,9 +167,16 @@ template <TypeId id> uint8_t* setOf(AsnList* list, uint8_t* w, uint8_t* begin) {
     AsnListNode* node = list->last;
     for (; node && node->data; node = node->prev) {
         uint8_t* after = w;
-        w = sequence<element>(node->data, w, begin);
-        if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
-        w = pushHeader<sequenceTag>(w, std::size_t(after - w));
+        if constexpr (isSmall(element)) {
+            if (!hasRoom(w, begin, smallOctets(element) + 2 + slack)) return nullptr;
+            w = sequence<element>(node->data, w, begin);
+            if (!w) return nullptr;
+            w = pushShortHeader<sequenceTag>(w, std::size_t(after - w));
+        } else {
+            w = sequence<element>(node->data, w, begin);
+            if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+            w = pushHeader<sequenceTag>(w, std::size_t(after - w));
+        }
     }
     list->curr = node;
     return w;
@@ -171,9 +199,9 @@ template <TypeId id, std::size_t index>
         const AsnInt number = *static_cast<const AsnInt*>(value);
         // Most are one octet long. To guess that lets the next field begin before this one's length is known.
         if (number == static_cast<int8_t>(number)) [[likely]] {
-            *--w = static_cast<uint8_t>(number);
-            if constexpr (row.wrapped) w = pushShortHeader<integerTag>(w, 1);
-            return pushShortHeader<row.tag>(w, row.wrapped ? 3 : 1);
+            w = pushOctet<row.wrapped ? integerTag : row.tag>(w, static_cast<uint8_t>(number));
+            if constexpr (row.wrapped) w = pushShortHeader<row.tag>(w, 3);
+            return w;
         }
         w = pushInteger(w, number);
         if constexpr (row.wrapped) w = pushShortHeader<integerTag>(w, std::size_t(after - w));
@@ -182,11 +210,10 @@ template <TypeId id, std::size_t index>
         if constexpr (row.optional) {
             if (!value) return w;
         }
-        *--w = *static_cast<const AsnBool*>(value) ? 0xFF : 0;
-        return pushShortHeader<row.tag>(w, 1);
+        return pushOctet<row.tag>(w, *static_cast<const AsnBool*>(value) ? 0xFF : 0);
     } else if constexpr (row.kind == Kind::Real) {
-        w = pushReal(w, *static_cast<const AsnReal*>(value));
-        return w ? pushShortHeader<row.tag>(w, std::size_t(after - w)) : nullptr;
+        static_assert(tagOctets(row.tag) == 1);
+        return pushReal(w, *static_cast<const AsnReal*>(value), row.tag >> 24);
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(value);
         if (!text->octs) {
@@ -216,16 +243,21 @@ template <TypeId id, std::size_t index>
             if constexpr (row.kind == Kind::Choice) w = choice<row.type>(static_cast<const ChoiceRecord*>(value), w, begin);
             else w = sequence<row.type>(value, w, begin);
         }
-        if (!w || !hasRoom(w, begin, needed)) return nullptr;
-        if constexpr (row.kind == Kind::Choice) return w;
-        else return pushHeader<row.tag>(w, std::size_t(after - w));
+        if (!w) return nullptr;
+        if constexpr (isSmall(row.type)) {
+            return pushShortHeader<row.tag>(w, std::size_t(after - w));
+        } else {
+            if (!hasRoom(w, begin, needed)) return nullptr;
+            if constexpr (row.kind == Kind::Choice) return w;
+            else return pushHeader<row.tag>(w, std::size_t(after - w));
+        }
     }
 }
 
 // One field in turn; the first of a group that is written proves the room for all of it.
 template <TypeId id, std::size_t index>
 [[gnu::always_inline]] inline uint8_t* step(const void* record, uint8_t* w, uint8_t* begin) {
-    if constexpr (index + 1 == typeOf(id).fields.size() || (index + 1) % groupSize == 0) {
+    if constexpr (!isSmall(id) && (index + 1 == typeOf(id).fields.size() || (index + 1) % groupSize == 0)) {
         constexpr std::size_t needed = fixedOctetsFrom(typeOf(id), index);
         if (!hasRoom(w, begin, needed)) return nullptr;
     }
@@ -258,6 +290,7 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
         w = choice<row.type>(static_cast<const ChoiceRecord*>(record->slot), w, begin);
     } else if constexpr (!typeOf(row.type).fields.empty()) {
         if (!record->slot) return nullptr;
+        if (isSmall(row.type) && !hasRoom(w, begin, smallOctets(row.type) + slack)) return nullptr;
         w = sequence<row.type>(record->slot, w, begin);
     }
     if (!w || !hasRoom(w, begin, 3 + longestLength)) return nullptr;
