@@ -439,60 +439,75 @@ template <TypeId id, Room room> Cursor record(Cursor at, std::size_t rest, void*
     }
 }
 
-// One alternative, whose tag has been read, in the first of rest octets.
-template <TypeId id, std::size_t index>
-Cursor alternative(Cursor at, std::size_t rest, ChoiceRecord* choiceRecord, Source& source) {
-    constexpr const Alternative& row = typeOf(id).alternatives[index];
-    choiceRecord->choiceId = row.number;
-    if constexpr (row.kind == Kind::Int) {
-        const std::size_t length = *at.p;
-        if (length - 1 > 3u || length >= rest) return giveUp(at);
-        at.p += 1 + length;
-        choiceRecord->number = integerBefore(at.p, length);
-        return at;
-    } else if constexpr (row.kind == Kind::Sequence) {
-        return record<row.type>(at, rest, &choiceRecord->slot, source);
-    } else {
-        uint8_t* memory;
-        if (!take(memory, at.free, typeOf(row.type).size, source)) return giveUp(at);
-        choiceRecord->slot = memory;
-        if constexpr (row.kind == Kind::Octs) {
-            return string(at, rest, reinterpret_cast<AsnOcts*>(memory), source);
-        } else {
-            // The wrapper's own length bounds the inner alternative and is not compared with it.
-            Measured measured;
-            if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
-            at.p += measured.octets;
-            return choice<row.type>(at, measured.length, reinterpret_cast<ChoiceRecord*>(memory), source);
-        }
-    }
+// Reads what stands behind the tag of an alternative, in the first of rest octets, into the slot of a CHOICE.
+using AlternativeDecoder = Cursor (*)(Cursor at, std::size_t rest, void* slot, Source& source);
+
+inline Cursor integerAlternative(Cursor at, std::size_t rest, void* slot, Source&) {
+    const std::size_t length = *at.p;
+    if (length - 1 > 3u || length >= rest) return giveUp(at);
+    at.p += 1 + length;
+    store(slot, integerBefore(at.p, length));
+    return at;
 }
 
-using AlternativeDecoder = Cursor (*)(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source);
+inline Cursor stringAlternative(Cursor at, std::size_t rest, void* slot, Source& source) {
+    uint8_t* memory;
+    if (!take(memory, at.free, sizeof(AsnOcts), source)) return giveUp(at);
+    store(slot, memory);
+    return string(at, rest, reinterpret_cast<AsnOcts*>(memory), source);
+}
+
+// The wrapper's own length bounds the inner alternative and is not compared with it.
+template <TypeId id> Cursor wrappedChoice(Cursor at, std::size_t rest, void* slot, Source& source) {
+    uint8_t* memory;
+    if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
+    store(slot, memory);
+    Measured measured;
+    if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
+    at.p += measured.octets;
+    return choice<id>(at, measured.length, reinterpret_cast<ChoiceRecord*>(memory), source);
+}
+
+template <TypeId id, Kind kind> constexpr AlternativeDecoder alternativeDecoder() {
+    if constexpr (kind == Kind::Int) return integerAlternative;
+    else if constexpr (kind == Kind::Octs) return stringAlternative;
+    else if constexpr (kind == Kind::Choice) return wrappedChoice<id>;
+    else return record<id>;
+}
+
+// All that has to be known of an alternative in one place, by its number; a hole has no decoder.
+struct NumberedAlternative {
+    AlternativeDecoder decoder = nullptr;
+    AsnTag tag = 0;
+};
 
 template <TypeId id>
-inline constexpr auto alternativeDecoders = []<std::size_t... index>(std::index_sequence<index...>) {
-    return std::array<AlternativeDecoder, sizeof...(index)>{alternative<id, index>...};
+inline constexpr auto alternativesByNumber = []<std::size_t... index>(std::index_sequence<index...>) {
+    constexpr std::span<const Alternative> rows = typeOf(id).alternatives;
+    std::array<NumberedAlternative, typeOf(id).byNumber.size()> table{};
+    ((table[rows[index].number] = {alternativeDecoder<rows[index].type, rows[index].kind>(), rows[index].tag}), ...);
+    return table;
 }(std::make_index_sequence<typeOf(id).alternatives.size()>());
 
 template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source) {
     if (rest < 4 && (rest < 2 || (*at.p & 0x1F) == 0x1F)) return giveUp(at);
     AsnTag tag = AsnTag{at.p[0]} << 24;
     uint32_t number = at.p[0] & 0x1F;
+    std::size_t octets = 1;
     if (number == 0x1F) {
         tag |= AsnTag{at.p[1]} << 16;
         number = at.p[1] & 0x7F;
+        octets = 2;
         if (at.p[1] & 0x80) {
             tag |= AsnTag{at.p[2]} << 8;
             number = number << 7 | (at.p[2] & 0x7F);
+            octets = 3;
         }
     }
-    constexpr std::span<const int16_t> byNumber = typeOf(id).byNumber;
-    if (number >= byNumber.size() || byNumber[number] < 0) return giveUp(at);
-    const auto index = static_cast<std::size_t>(byNumber[number]);
-    if (typeOf(id).alternatives[index].tag != tag) return giveUp(at);
-    const std::size_t octets = tagOctets(tag);
-    return alternativeDecoders<id>[index]({at.p + octets, at.free}, rest - octets, record, source);
+    constexpr auto& table = alternativesByNumber<id>;
+    if (number >= table.size() || table[number].tag != tag || !table[number].decoder) return giveUp(at);
+    record->choiceId = number;
+    return table[number].decoder({at.p + octets, at.free}, rest - octets, &record->slot, source);
 }
 
 template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void* message) {
