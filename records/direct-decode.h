@@ -7,6 +7,7 @@
 // a message, nor a REAL's among the first 8: the tags and lengths of the frame stand there.
 #pragma once
 
+#include <algorithm>
 #include <utility>
 
 #include "records/direct-bounds.h"
@@ -116,21 +117,27 @@ struct Measured {
     return copyString(at, measured.length, text, source);
 }
 
-// The same; all that is usual happens here, without a call. The octets go in whole words, the last of which is masked, so that
-// it holds the closing 0 and leaves the arena's zeros behind it.
+// The same for what is usual, without a call and, up to 23 octets, without a branch that depends on the length. The octets
+// go in whole words; the last one is masked, so that it holds the closing 0 and leaves the arena's zeros behind it.
 [[gnu::noinline]] inline Cursor string(Cursor at, std::size_t rest, AsnOcts* text, Source& source) {
     const std::size_t length = *at.p, stored = roundedUp(length + 1);
     const uint8_t *from = at.p + 1, *end = from + length;
-    if (length > 64 || length >= rest || std::size_t(source.blockEnd - at.free) < stored ||
-        std::size_t(end - source.begin) < 8) [[unlikely]] {
+    if (length < 8 || length > 64 || length >= rest || std::size_t(source.blockEnd - at.free) < 24 + stored) [[unlikely]] {
         return rareString(at, rest, text, source);
     }
     text->octetLen = static_cast<uint32_t>(length);
     text->octs = at.free;
     uint8_t* to = at.free;
-    uint8_t* const last = to + stored - 8;
-    for (; to != last; from += 8, to += 8) store(to, load<uint64_t>(from));
-    store(last, lastOctets(end, length % 8));
+    if (length >= 24) {
+        uint8_t* const last = to + stored - 8;
+        for (; to != last; from += 8, to += 8) store(to, load<uint64_t>(from));
+        store(last, lastOctets(end, length % 8));
+        return {end, at.free + stored};
+    }
+    const std::size_t second = std::min<std::size_t>(length - 8, 8), missing = 8 - second;
+    store(to, load<uint64_t>(from));
+    store(to + 8, littleEndian(littleEndian(load<uint64_t>(from + second)) >> 4 * missing >> 4 * missing));
+    store(to + 16, length < 16 ? 0 : lastOctets(end, length % 8));
     return {end, at.free + stored};
 }
 
