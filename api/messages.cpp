@@ -46,9 +46,9 @@ uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) 
 }
 
 // Most encodes find the arena empty.
-void emptyArena() {
-    const NibbleBuf* block = currentArena()->currNibbleBuf;
-    if (block->curr != block->start || block != currentArena()->firstNibbleBuf) ResetNibbleMem();
+void emptyArena(const NibbleMem& arena) {
+    const NibbleBuf* block = arena.currNibbleBuf;
+    if (block->curr != block->start || block != arena.firstNibbleBuf) ResetNibbleMem();
 }
 
 uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
@@ -59,14 +59,15 @@ uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t 
 }
 
 template <TypeId id> uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
-    if (!setUp()) return 0;
+    const NibbleMem* arena = setUp();
+    if (!arena) return 0;
     uint8_t* end = buffer + bufferLen;
     uint8_t* start = mayGoDirect() ? direct::encode<id>(envelope, buffer, end) : nullptr;
     if (start) tellWay(Way::Direct);
     else start = encodeExact(id, envelope, buffer, bufferLen);
     if (!start) return 0;
     const uint32_t length = moveToStart(buffer, start, end);
-    emptyArena();
+    emptyArena(*arena);
     return length;
 }
 
@@ -82,8 +83,9 @@ int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* env
 }
 
 template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t length, void* envelope) {
-    if (!setUp()) return ZYN_E_NO_MEMORY;
-    emptyArena();
+    const NibbleMem* arena = setUp();
+    if (!arena) return ZYN_E_NO_MEMORY;
+    emptyArena(*arena);
     if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
         tellWay(Way::Direct);
         return 0;

@@ -10,12 +10,10 @@ constexpr uint32_t laterBlockSize = 1024;
 
 } // namespace
 
-bool initialised = false;
-
-bool initialiseApi() {
+NibbleMem* initialiseApi() {
     InitNibbleMem(firstBlockSize, laterBlockSize);
-    initialised = currentArena() != nullptr;
-    return initialised;
+    currentlyInitialised() = currentArena() != nullptr;
+    return currentArena();
 }
 
 } // namespace zyn

@@ -5,14 +5,13 @@
 
 namespace zyn {
 
-extern bool initialised;
+// Makes the arena and returns it. Null when the allocator refuses; the next call tries again.
+NibbleMem* initialiseApi();
 
-// Makes the arena. False when the allocator refuses; the next call tries again.
-bool initialiseApi();
-
-// Makes sure that the arena is there.
-inline bool setUp() {
-    if (initialised && currentArena()) [[likely]] return true;
+// Returns the arena, which is made if it is not there.
+inline NibbleMem* setUp() {
+    NibbleMem* arena = currentArena();
+    if (currentlyInitialised() && arena) [[likely]] return arena;
     return initialiseApi();
 }
 

@@ -20,9 +20,6 @@ Asn1ErrorHandler Asn1InstallErrorHandler(Asn1ErrorHandler handler) {
 
 namespace zyn {
 
-Asn1ErrorHandler errorHandler = Asn1DefaultErrorHandler;
-MessageText messageText = {};
-
 void raise(jmp_buf env, int32_t code, const char* message) {
     if (message) {
         MessageText& copy = currentMessage();

@@ -9,13 +9,9 @@
 #include "sbuf/state.h"
 #include "zyn/codes.h"
 
-static constexpr StrStk emptyStrStk = {nullptr, 128, 0, 64, 0, 0};
-
-StrStk strStkG = emptyStrStk;
+StrStk strStkG = zyn::emptyStrStk;
 
 namespace zyn {
-
-StringTables stringTables = {};
 
 namespace {
 

@@ -169,6 +169,15 @@ TEST(Refusal, TheArenaStaysAsItWas) {
     });
 }
 
+TEST(Refusal, ContextsAreThereOrNot) {
+    forEveryRefusal([&](auto whileRefusing) {
+        ZynContext* context = nullptr;
+        const bool refused = whileRefusing([&] { context = ZynContextNew(); });
+        EXPECT_EQ(context == nullptr, refused);
+        ZynContextFree(context);
+    });
+}
+
 // Rounding such a size up to 8 has no room in 32 bits.
 TEST(Refusal, SizesNearTheLargest) {
     InitNibbleMem(64, 64);
