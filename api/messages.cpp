@@ -12,6 +12,7 @@
 #include "records/exact.h"
 #include "records/octets.h"
 #include "zyn/codes.h"
+#include "zyn/describe.h"
 
 namespace zyn {
 namespace {
@@ -58,7 +59,8 @@ uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t 
     return b.dataStart;
 }
 
-template <TypeId id> uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+template <TypeId id>
+[[gnu::always_inline]] inline uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
     if (!setUp()) return 0;
     uint8_t* end = buffer + bufferLen;
     uint8_t* start = mayGoDirect() ? direct::encode<id>(envelope, buffer, end) : nullptr;
@@ -165,6 +167,26 @@ int32_t ZynTransReplyDecode(const uint8_t* buffer, uint32_t length, ZynTransRep*
 
 int32_t ZynQueryReplyDecode(const uint8_t* buffer, uint32_t length, ZynQueryRep* reply) {
     return zyn::decodeEnvelope<TypeId::ZynQueryRep>(buffer, length, reply);
+}
+
+uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+    switch (channel) {
+    case ZYN_TRANS_REQUEST: return zyn::encodeEnvelope<TypeId::ZynTransReq>(envelope, buffer, bufferLen);
+    case ZYN_TRANS_REPLY: return zyn::encodeEnvelope<TypeId::ZynTransRep>(envelope, buffer, bufferLen);
+    case ZYN_QUERY_REQUEST: return zyn::encodeEnvelope<TypeId::ZynQueryReq>(envelope, buffer, bufferLen);
+    case ZYN_QUERY_REPLY: return zyn::encodeEnvelope<TypeId::ZynQueryRep>(envelope, buffer, bufferLen);
+    }
+    return 0;
+}
+
+int32_t ZynDecode(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope) {
+    switch (channel) {
+    case ZYN_TRANS_REQUEST: return ZynTransRequestDecode(buffer, length, static_cast<ZynTransReq*>(envelope));
+    case ZYN_TRANS_REPLY: return ZynTransReplyDecode(buffer, length, static_cast<ZynTransRep*>(envelope));
+    case ZYN_QUERY_REQUEST: return ZynQueryRequestDecode(buffer, length, static_cast<ZynQueryReq*>(envelope));
+    case ZYN_QUERY_REPLY: return ZynQueryReplyDecode(buffer, length, static_cast<ZynQueryRep*>(envelope));
+    }
+    return ZYN_E_WRONG_TAG;
 }
 
 int ZynTransRequestPrint(void*, ZynTransReq* request) { return zyn::printEnvelope(TypeId::ZynTransReq, request); }

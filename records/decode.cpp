@@ -38,12 +38,7 @@ void* allocateValue(Decoder& d, const Type& type) {
 
 // The number is taken out of the tag only to find the row; what counts is that the whole tag is the row's.
 const Alternative* alternativeByTag(const Type& type, AsnTag tag) {
-    uint32_t number = tag >> 24 & 0x1F;
-    if (number == 0x1F) {
-        number = tag >> 16 & 0x7F;
-        if (tagOctets(tag) == 3) number = number << 7 | (tag >> 8 & 0x7F);
-    }
-    const Alternative* alternative = alternativeOf(type, number);
+    const Alternative* alternative = alternativeOf(type, tagNumber(tag));
     if (!alternative) return nullptr;
     const bool constructedString = alternative->kind == Kind::Octs && tag == (alternative->tag | constructedBit);
     return tag == alternative->tag || constructedString ? alternative : nullptr;

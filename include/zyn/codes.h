@@ -34,7 +34,8 @@ enum ZynCode {
     ZYN_E_BITS_EMPTY = -42,          /* a primitive BIT STRING has no content, not even the count of unused bits */
     ZYN_E_BITS_UNUSED = -43,         /* a BIT STRING counts more than 7 unused bits, or more than it has */
     ZYN_E_REAL_EXPONENT_EMPTY = -44, /* a REAL's exponent is said to have no octets */
-    ZYN_E_BITS_TOO_MANY = -45        /* a BIT STRING has more bits than 31 bits can count */
+    ZYN_E_BITS_TOO_MANY = -45,       /* a BIT STRING has more bits than 31 bits can count */
+    ZYN_E_LENGTH_PRIMITIVE = -53     /* a primitive element has an indefinite length */
 };
 
 #endif
