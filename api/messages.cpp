@@ -55,13 +55,15 @@ void emptyArena() {
 uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
     tellWay(Way::Exact);
     SBuf b = writeBuffer(buffer, bufferLen);
-    if (encodeMessage(&b, id, envelope) == 0 || b.writeError) return nullptr;
-    return b.dataStart;
+    const uint32_t length = encodeMessage(&b, id, envelope);
+    if (length != 0 && !b.writeError) return b.dataStart;
+    explainEncode(id, envelope, length, bufferLen);
+    return nullptr;
 }
 
 template <TypeId id>
 [[gnu::always_inline]] inline uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
-    if (!setUp()) return 0;
+    if (!begin()) return 0;
     uint8_t* end = buffer + bufferLen;
     uint8_t* start = mayGoDirect() ? direct::encode<id>(envelope, buffer, end) : nullptr;
     if (start) tellWay(Way::Direct);
@@ -76,15 +78,18 @@ template <TypeId id>
 int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope) {
     tellWay(Way::Exact);
     SBuf b = readBuffer(buffer, length);
+    Walk walk = {&b, nullptr};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;
-    decodeMessage(&b, id, envelope, &bytesDecoded, env);
+    currentFailure().walk = &walk;
+    decodeMessage(walk, id, envelope, &bytesDecoded, env);
+    currentFailure().walk = nullptr;
     return 0;
 }
 
 template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t length, void* envelope) {
-    if (!setUp()) return ZYN_E_NO_MEMORY;
+    if (!begin()) return ZYN_E_NO_MEMORY;
     emptyArena();
     if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
         tellWay(Way::Direct);
@@ -176,6 +181,7 @@ uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, ui
     case ZYN_QUERY_REQUEST: return zyn::encodeEnvelope<TypeId::ZynQueryReq>(envelope, buffer, bufferLen);
     case ZYN_QUERY_REPLY: return zyn::encodeEnvelope<TypeId::ZynQueryRep>(envelope, buffer, bufferLen);
     }
+    zyn::startFailure(ZYN_E_NO_ALTERNATIVE);
     return 0;
 }
 
@@ -186,7 +192,8 @@ int32_t ZynDecode(ZynChannel channel, const uint8_t* buffer, uint32_t length, vo
     case ZYN_QUERY_REQUEST: return ZynQueryRequestDecode(buffer, length, static_cast<ZynQueryReq*>(envelope));
     case ZYN_QUERY_REPLY: return ZynQueryReplyDecode(buffer, length, static_cast<ZynQueryRep*>(envelope));
     }
-    return ZYN_E_WRONG_TAG;
+    zyn::startFailure(ZYN_E_NO_ALTERNATIVE);
+    return ZYN_E_NO_ALTERNATIVE;
 }
 
 int ZynTransRequestPrint(void*, ZynTransReq* request) { return zyn::printEnvelope(TypeId::ZynTransReq, request); }
@@ -195,19 +202,25 @@ int ZynTransReplyPrint(void*, ZynTransRep* reply) { return zyn::printEnvelope(Ty
 int ZynQueryReplyPrint(void*, ZynQueryRep* reply) { return zyn::printEnvelope(TypeId::ZynQueryRep, reply); }
 
 uint32_t ZynTextStrEncode(AsnOcts* text, uint8_t* buffer, uint32_t bufferLen) {
-    if (!zyn::setUp()) return 0;
+    if (!zyn::begin()) return 0;
     SBuf b = zyn::writeBuffer(buffer, bufferLen);
-    if (BEncAsnOcts(&b, text) == 0 || b.writeError) return 0;
-    return zyn::moveToStart(buffer, b.dataStart, b.dataEnd);
+    const uint32_t length = BEncAsnOcts(&b, text);
+    if (!b.writeError) return zyn::moveToStart(buffer, b.dataStart, b.dataEnd);
+    zyn::explainEncode(TypeId::AsnOcts, text, length, bufferLen);
+    return 0;
 }
 
 int32_t ZynTextStrDecode(const uint8_t* buffer, uint32_t length, AsnOcts* text) {
-    if (!zyn::setUp()) return ZYN_E_NO_MEMORY;
+    if (!zyn::begin()) return ZYN_E_NO_MEMORY;
     SBuf b = zyn::readBuffer(buffer, length);
     ResetNibbleMem();
+    zyn::Step step = zyn::firstStep(&b, TypeId::AsnOcts);
+    zyn::Walk walk = {&b, &step};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;
+    zyn::currentFailure().walk = &walk;
     BDecAsnOcts(&b, text, &bytesDecoded, env);
+    zyn::currentFailure().walk = nullptr;
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "api/setup.h"
 
+#include "zyn/codes.h"
 #include "zyn/messages.h"
 
 namespace zyn {
@@ -12,10 +13,18 @@ constexpr uint32_t laterBlockSize = 1024;
 
 bool initialised = false;
 
-bool initialiseApi() {
-    InitNibbleMem(firstBlockSize, laterBlockSize);
+bool setUpSlowly() {
+    if (!initialised || !currentArena()) InitNibbleMem(firstBlockSize, laterBlockSize);
     initialised = currentArena() != nullptr;
+    currentlyReady() = initialised && currentFailure().code == 0;
     return initialised;
+}
+
+bool beginSlowly() {
+    currentFailure().code = 0;
+    if (setUpSlowly()) return true;
+    startFailure(ZYN_E_NO_MEMORY);
+    return false;
 }
 
 } // namespace zyn

@@ -145,6 +145,10 @@ const ZynType* ZynTypeByName(const char* name) {
     return found != zyn::byName.end() && nameOf(*found) == wanted ? &zyn::described[*found] : nullptr;
 }
 
+uint32_t ZynModuleCount(void) { return std::size(zyn::modules); }
+
+const char* ZynModuleName(uint32_t number) { return number < std::size(zyn::modules) ? zyn::modules[number].name : nullptr; }
+
 const ZynType* ZynEnvelopeType(ZynChannel channel) {
     const auto number = static_cast<unsigned>(channel);
     return number < ZYN_CHANNELS ? zyn::descriptionOf(zyn::envelopes[number]) : nullptr;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "sbuf/failure.h"
 #include "zyn/asn.h"
 
 namespace zyn {
@@ -29,12 +30,17 @@ struct MessageText {
 extern StringTables stringTables;
 extern MessageText messageText;
 extern Asn1ErrorHandler errorHandler;
+extern Failure lastFailure;
+// The arena was made and no failure is kept, so that a Decode or Encode can begin at once.
+extern bool ready;
 
 inline NibbleMem*& currentArena() { return nmG; }
 inline StrStk& currentStrStk() { return strStkG; }
 inline StringTables& currentStringTables() { return stringTables; }
 inline MessageText& currentMessage() { return messageText; }
 inline Asn1ErrorHandler& currentErrorHandler() { return errorHandler; }
+inline Failure& currentFailure() { return lastFailure; }
+inline bool& currentlyReady() { return ready; }
 inline unsigned short currentIndent() { return stdIndentG; }
 
 // Gives back the arena and the tables of constructed strings, as if the process had just started.

@@ -112,6 +112,11 @@ ZYN_API uint32_t ZynTypeCount(void);
 ZYN_API const ZynType* ZynTypeByNumber(uint32_t number);
 ZYN_API const ZynType* ZynTypeByName(const char* name);
 
+/* ZynModuleCount gives the number of modules, ZynModuleName the name of one, by a number from 0 in the order of their names;
+ * null if there is none. */
+ZYN_API uint32_t ZynModuleCount(void);
+ZYN_API const char* ZynModuleName(uint32_t number);
+
 /* ZynEnvelopeType gives the type of a channel's envelope, null for a number that is no channel. */
 ZYN_API const ZynType* ZynEnvelopeType(ZynChannel channel);
 
@@ -129,7 +134,7 @@ ZYN_API const ZynField* ZynFieldByName(const ZynType* sequence, const char* name
 
 /* ZynEncode and ZynDecode are the entry points of a channel with the envelope as a void*: the structure of its type. They
  * behave in every way as the Encode and Decode of that channel (zyn/messages.h), but that a request's userId is the whole
- * text of its field. A number that is no channel gives 0 and ZYN_E_WRONG_TAG. */
+ * text of its field. A number that is no channel gives 0 and ZYN_E_NO_ALTERNATIVE. */
 ZYN_API uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, uint32_t bufferLen);
 ZYN_API int32_t ZynDecode(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope);
 
