@@ -47,6 +47,13 @@ constexpr AsnTag contextTag(uint32_t number, bool constructed) {
     return first | 0x1F000000 | (0x80 | number >> 7) << 16 | (number & 0x7F) << 8;
 }
 
+// The number in a tag.
+constexpr uint32_t tagNumber(AsnTag tag) {
+    const uint32_t number = tag >> 24 & 0x1F;
+    if (number < 31) return number;
+    return tag & 0x00800000 ? (tag >> 16 & 0x7F) << 7 | (tag >> 8 & 0x7F) : tag >> 16 & 0x7F;
+}
+
 // How many octets of an AsnTag travel: those up to the last one that is not 0, or, in the high-tag form, up to the
 // first without a continuation bit (X.690 8.1.2.4).
 constexpr unsigned tagOctets(AsnTag tag) {
@@ -118,6 +125,7 @@ struct Type {
     uint16_t size = 0;   // of the structure, in bytes
     int16_t firstCode = 0;
     uint16_t tail = 0;   // index of the first field from which on all are OPTIONAL
+    uint8_t alignment = 0; // of the structure, in bytes
     Shape shape = Shape::Primitive;
     bool message = false; // travels on its own, with tag and length
 };
@@ -162,7 +170,7 @@ template <typename Record>
 consteval Type sequence(const char* name, TypeId id, std::span<const Field> fields, bool message) {
     static_assert(std::is_standard_layout_v<Record>);
     return {.name = name, .fields = fields, .id = id, .size = sizeof(Record), .tail = tailOf(fields),
-            .shape = Shape::Sequence, .message = message};
+            .alignment = alignof(Record), .shape = Shape::Sequence, .message = message};
 }
 
 template <typename Record>
@@ -170,7 +178,7 @@ consteval Type choice(const char* name, TypeId id, std::span<const Alternative> 
                       std::span<const int16_t> byNumber, bool message) {
     static_assert(offsetof(Record, slot) == alignof(void*));
     return {.name = name, .alternatives = alternatives, .byNumber = byNumber, .id = id, .size = sizeof(Record),
-            .shape = Shape::Choice, .message = message};
+            .alignment = alignof(Record), .shape = Shape::Choice, .message = message};
 }
 
 // The rows of a CHOICE by number, so that dispatch takes constant time.
@@ -195,7 +203,8 @@ inline constexpr auto numberIndex = [] {
     choice<record>(#record, TypeId::record, record##Alternatives, numberIndex<record##Alternatives>, false)
 #define ZYN_SET_OF(list, of)                                                                                         \
     Type {                                                                                                           \
-        .name = #list, .id = TypeId::list, .element = TypeId::of, .size = sizeof(AsnList), .shape = Shape::SetOf     \
+        .name = #list, .id = TypeId::list, .element = TypeId::of, .size = sizeof(AsnList),                         \
+        .alignment = alignof(AsnList), .shape = Shape::SetOf                                                         \
     }
 #define ZYN_MESSAGE_SEQUENCE(record) sequence<record>(#record, TypeId::record, record##Fields, true)
 #define ZYN_MESSAGE_CHOICE(record)                                                                                   \

@@ -78,7 +78,9 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
     StringTables& tables = currentStringTables();
     AsnLen count = 0;
     std::size_t depth = 0;
+    const uint8_t* previous = nullptr; // primitive component
     for (;;) {
+        const uint8_t* component = currentFailure().component = b->readLoc;
         const AsnTag tag = BDecTag(b, &count, env);
         bool ended = false;
         if (tag == 0 && length == IndefiniteLen) {
@@ -87,6 +89,8 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
         } else {
             const AsnLen componentLength = BDecLen(b, &count, env);
             if (tag == rules.primitive) {
+                if (unusedBits != 0) currentFailure().component = previous; // to blame that it is not the last
+                previous = component;
                 takeComponent(b, componentLength, rules, unusedBits, env);
                 count += componentLength;
             } else if (tag != rules.nested) {
@@ -102,6 +106,7 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
         }
         while (ended) {
             if (depth == 0) {
+                currentFailure().component = nullptr;
                 *bytesDecoded += count;
                 return unusedBits;
             }
