@@ -61,14 +61,35 @@ verb_build() {
     build release
 }
 
-## test [asan]  build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer
+## test [HOW]   build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer; tsan: the tests of
+##              threads under ThreadSanitizer; valgrind, i386, s390x: the library's tests under memcheck, as a 32-bit
+##              build, and emulated on a big-endian machine
 verb_test() {
     local preset=${1:-test}
-    [[ $preset == test || $preset == asan ]] || wrong_use "there is no test run '$preset'"
-    set_up "${test_packages[@]}"
+    case $preset in
+    test | asan | tsan) set_up "${test_packages[@]}" ;;
+    valgrind) set_up "${test_packages[@]}" valgrind ;;
+    i386) set_up "${test_packages[@]}" googletest g++-i686-linux-gnu ;;
+    s390x) set_up "${test_packages[@]}" googletest g++-s390x-linux-gnu qemu-user ;;
+    *) wrong_use "there is no test run '$preset'" ;;
+    esac
+    if [[ $preset == valgrind ]]; then
+        build test library-tests
+        memcheck
+        return
+    fi
     build "$preset"
     say "testing, preset $preset"
     ctest --preset "$preset"
+}
+
+# Runs the library's tests with fewer bit patterns; an error or a leak ends it.
+memcheck() {
+    local part
+    for part in sbuf records api thread; do
+        say "memcheck, $part-tests"
+        ZYN_FEW_PATTERNS=1 valgrind --quiet --leak-check=full --error-exitcode=1 "build/test/bin/$part-tests" --gtest_brief
+    done
 }
 
 ## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well

@@ -263,13 +263,14 @@ struct Walk {
     [[gnu::always_inline]] void readHead() { head = littleEndian(load<uint16_t>(p())); }
 };
 
-// Whether a word that ends with a value of field index may begin before the message: only what can stand first in a
-// record that stands first in a message is so near to its start.
+// Whether a word that ends with a value of field index may begin before the message. What stands in front of the value has
+// two octets at least, a tag and a length: the record, each required field before this one, and this one.
 constexpr bool mayStandFirst(TypeId id, std::size_t index) {
+    std::size_t octets = 2 + 2;
     for (std::size_t i = 0; i < index; ++i) {
-        if (!typeOf(id).fields[i].optional) return false;
+        if (!typeOf(id).fields[i].optional) octets += 2;
     }
-    return true;
+    return octets < 8;
 }
 
 // A string behind its tag. Most are so short that one word holds them with their 0.

@@ -202,6 +202,20 @@ TEST_F(TwoWaysTest, LongTexts) {
     }
 }
 
+// Words are loaded that end with a short text; none may begin before the message.
+TEST_F(TwoWaysTest, ShortTextsAtTheStart) {
+    uint8_t text[10] = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j'};
+    for (uint32_t first = 0; first < 10; ++first) {
+        for (uint32_t second = 0; second < 10; ++second) {
+            ZynReplyOK record{};
+            record.infoMessage = {first, text};
+            record.extraInfo = {second, text};
+            const ChoiceRecord choice{18, {.slot = &record}};
+            sendDirectly(channels[2], &choice, messageOf(channels[2], user, &choice));
+        }
+    }
+}
+
 TEST_F(TwoWaysTest, WhatCannotBeSent) {
     for (const Channel& channel : channels) {
         for (const Alternative& row : typeOf(channel.choice).alternatives) {
