@@ -83,7 +83,7 @@ const Alternative* alternativeByTag(const Type& type, AsnTag tag) {
 
 bool accepts(const Field& field, AsnTag tag) {
     if (field.kind == Kind::Choice) return alternativeByTag(typeOf(field.type), tag) != nullptr;
-    return tag == field.tag || (isString(field.kind) && tag == (field.tag | constructedBit));
+    return (tag & field.mask) == field.tag;
 }
 
 void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
@@ -99,13 +99,13 @@ void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, 
 
 void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
     const Field& field = type.fields[index];
-    AsnLen length = BDecLen(d.b, count, d.env);
+    AsnLen length = nextLength(d.b, count, d.env);
     const AsnLen outerLength = length;
     if (field.wrapped) {
         startElement(d);
-        tag = BDecTag(d.b, count, d.env);
+        tag = nextTag(d.b, count, d.env);
         if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
-        length = BDecLen(d.b, count, d.env);
+        length = nextLength(d.b, count, d.env);
     }
     void* value = memberOf(record, field);
     if (field.pointer) {
@@ -141,7 +141,7 @@ void decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record, A
     }
     if (type.tail == 0 && length == 0) return;
     startElement(d, 0);
-    AsnTag tag = BDecTag(d.b, &count, d.env);
+    AsnTag tag = nextTag(d.b, &count, d.env);
     if (type.tail == 0 && atEndOfContents(d, tag, length, &count)) {
         *bytesDecoded += count;
         return;
@@ -165,7 +165,7 @@ void decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record, A
             ended = true;
         } else {
             startElement(d, i + 1);
-            tag = BDecTag(d.b, &count, d.env);
+            tag = nextTag(d.b, &count, d.env);
             ended = mayEnd && atEndOfContents(d, tag, length, &count);
         }
         if (ended) {
@@ -182,10 +182,10 @@ void decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list, Asn
     AsnLen count = 0;
     while (length == IndefiniteLen || count < length) {
         startElement(d, static_cast<std::size_t>(list->count));
-        const AsnTag tag = BDecTag(d.b, &count, d.env);
+        const AsnTag tag = nextTag(d.b, &count, d.env);
         if (atEndOfContents(d, tag, length, &count)) break;
         if (tag != sequenceTag) raise(d.env, siteCode(type, Site::Only), "Unexpected Tag\n");
-        const AsnLen elementLength = BDecLen(d.b, &count, d.env);
+        const AsnLen elementLength = nextLength(d.b, &count, d.env);
         void* node = AsnListAppend(list);
         if (!node) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
         void* value = allocate(d, element.size);
@@ -210,8 +210,8 @@ void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, Choic
             // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an
             // indefinite length; a definite one is not compared with anything.
             startElement(d);
-            const AsnTag innerTag = BDecTag(d.b, &count, d.env);
-            const AsnLen innerLength = BDecLen(d.b, &count, d.env);
+            const AsnTag innerTag = nextTag(d.b, &count, d.env);
+            const AsnLen innerLength = nextLength(d.b, &count, d.env);
             decodeType(d, typeOf(alternative->type), innerTag, innerLength, value, &count);
             if (length == IndefiniteLen) decodeEnd(d, &count);
         } else {

@@ -81,13 +81,13 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
     const uint8_t* previous = nullptr; // primitive component
     for (;;) {
         const uint8_t* component = currentFailure().component = b->readLoc;
-        const AsnTag tag = BDecTag(b, &count, env);
+        const AsnTag tag = nextTag(b, &count, env);
         bool ended = false;
         if (tag == 0 && length == IndefiniteLen) {
             eocSecondOctet(b, &count, env);
             ended = true;
         } else {
-            const AsnLen componentLength = BDecLen(b, &count, env);
+            const AsnLen componentLength = nextLength(b, &count, env);
             if (tag == rules.primitive) {
                 if (unusedBits != 0) currentFailure().component = previous; // to blame that it is not the last
                 previous = component;
