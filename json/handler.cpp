@@ -113,16 +113,16 @@ bool Handler::isWholeExactly(const char* characters, std::size_t length) {
 }
 
 bool Handler::unknownField(std::string_view name) {
-    Frame& frame = reading.frames.back();
+    Frame& frame = top();
     frame.at = none;
     return fail(keyOffset(name), "unknown field " + quoted(name) + " in " + frame.plan->type->name);
 }
 
 bool Handler::missingField() {
-    Frame& frame = reading.frames.back();
+    Frame& frame = top();
     for (uint32_t i = 0; i < frame.plan->members.size(); ++i) {
         const Member& member = frame.plan->members[i];
-        if (member.optional || (reading.marks[frame.firstMark + i / 64] >> i % 64 & 1)) continue;
+        if (member.optional || (frame.marks[i / 64] >> i % 64 & 1)) continue;
         frame.at = i;
         return failAtEnd("required field " + quoted(member.name()) + " of " + frame.plan->type->name + " is missing");
     }
@@ -135,8 +135,8 @@ bool Handler::fail(std::size_t offset, std::string sentence) {
 }
 
 bool Handler::refuse(std::size_t offset, const char* found) {
-    const bool isElement = target && !reading.frames.empty() && reading.frames.back().plan->element == target;
-    if (isElement) ++reading.frames.back().at; // the one that cannot be added
+    const bool isElement = target && isOpen() && top().plan->element == target;
+    if (isElement) ++top().at; // the one that cannot be added
     return fail(offset, "expected " + (target ? looksOf(*target->type) : "a string") + ", found " + found);
 }
 
@@ -151,7 +151,8 @@ bool Handler::refuseHugeNumber(std::size_t offset) {
 
 std::string Handler::path() const {
     std::string path;
-    for (const Frame& frame : reading.frames) {
+    for (const Frame* open = reading.frames.data(); open != next; ++open) {
+        const Frame& frame = *open;
         if (frame.at == none || frame.plan->kind == ZYN_KIND_OCTET_STRING || frame.plan->kind == ZYN_KIND_BIT_STRING) continue;
         if (frame.plan->kind == ZYN_KIND_SET_OF) {
             path += '[' + std::to_string(frame.at) + ']';

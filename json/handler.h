@@ -14,17 +14,21 @@
 
 namespace zyn::json {
 
+// UTF-8, of which runs without escapes are passed over at once.
+struct Characters : rapidjson::UTF8<> {};
+using Stream = rapidjson::GenericInsituStringStream<Characters>;
+
 // How far a text is UTF-8, and whether it has escapes at all.
 struct TextFacts {
     std::size_t utf8;
     bool escapes;
 };
 
-class Handler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Handler> {
+class Handler : public rapidjson::BaseReaderHandler<Characters, Handler> {
 public:
     Handler(Reading& memory, const Plan& root, std::string_view source, TextFacts sourceFacts,
-            rapidjson::InsituStringStream& where)
-        : reading(memory), text(source), facts(sourceFacts), stream(where), target(&root) {
+            Stream& where)
+        : reading(memory), text(source), facts(sourceFacts), stream(where), next(memory.frames.data()), target(&root) {
         value = static_cast<char*>(reading.arena.take(root.type->size));
         rootValue = value;
     }
@@ -49,7 +53,7 @@ public:
         if (!isWhole(characters, length)) return false;
         const std::span<char> string(reading.copy.get() + offsetOf(characters), length);
         if (!target) {
-            parts[reading.frames.back().at] = string;
+            parts[top().at] = string;
             return true;
         }
         if (target->kind == ZYN_KIND_OCTET_STRING) {
@@ -76,14 +80,14 @@ public:
     bool Key(const char* characters, rapidjson::SizeType length, bool) {
         if (!isWhole(characters, length)) return false;
         const std::string_view name(characters, length);
-        Frame& frame = reading.frames.back();
+        Frame& frame = top();
         if (frame.plan->kind == ZYN_KIND_SEQUENCE) return field(frame, name);
         if (frame.plan->kind == ZYN_KIND_CHOICE) return alternative(frame, name);
         return partKey(frame, name);
     }
 
     bool EndObject(rapidjson::SizeType) {
-        Frame& frame = reading.frames.back();
+        Frame& frame = top();
         bool good = true;
         switch (frame.plan->kind) {
         case ZYN_KIND_SEQUENCE: good = allThere(frame); break;
@@ -98,7 +102,7 @@ public:
         if (!isDue(ZYN_KIND_SET_OF)) return refuse(stream.Tell() - 1, "an array");
         auto* list = static_cast<AsnList*>(open());
         list->dataSize = sizeof(void*);
-        reading.frames.push_back({target, reinterpret_cast<char*>(list), none, 0});
+        *next++ = {target, reinterpret_cast<char*>(list), nullptr, none};
         target = target->element;
         return true;
     }
@@ -116,11 +120,13 @@ public:
     bool refuseHugeNumber(std::size_t offset);
 
 private:
+    bool isOpen() const { return next != reading.frames.data(); }
+    Frame& top() const { return next[-1]; }
     bool isDue(ZynKind kind) const { return target && target->kind == kind; }
 
     // The memory of the value that starts now.
     void* open() {
-        if (!reading.frames.empty() && reading.frames.back().plan->kind == ZYN_KIND_SET_OF) return addElement();
+        if (isOpen() && top().plan->kind == ZYN_KIND_SET_OF) return addElement();
         if (!pointer) return value;
         void* const pointee = reading.arena.take(target->type->size);
         std::memcpy(value, &pointee, sizeof pointee);
@@ -128,7 +134,7 @@ private:
     }
 
     void* addElement() {
-        Frame& frame = reading.frames.back();
+        Frame& frame = top();
         auto* list = reinterpret_cast<AsnList*>(frame.value);
         auto* node = static_cast<AsnListNode*>(reading.arena.take(sizeof(AsnListNode)));
         node->prev = list->last;
@@ -140,19 +146,16 @@ private:
     }
 
     bool push() {
-        const auto firstMark = static_cast<uint32_t>(reading.marks.size());
+        auto* marks = static_cast<uint64_t*>(reading.arena.take(target->required.size() * sizeof(uint64_t)));
         char* const structure = static_cast<char*>(open());
-        reading.marks.resize(firstMark + target->required.size());
-        reading.frames.push_back({target, structure, none, firstMark});
+        *next++ = {target, structure, marks, none};
         return true;
     }
 
     bool pop() {
-        if (reading.frames.back().plan->kind == ZYN_KIND_SEQUENCE) reading.marks.resize(reading.frames.back().firstMark);
-        reading.frames.pop_back();
+        --next;
         // The next value, if one comes without a key, is the next element of a list.
-        target = nullptr;
-        if (!reading.frames.empty()) target = reading.frames.back().plan->element;
+        if (isOpen()) target = top().plan->element;
         return true;
     }
 
@@ -167,14 +170,14 @@ private:
         // Mostly the fields come in the order of the table.
         std::size_t index = frame.at + std::size_t{1};
         if (frame.at == none) index = 0;
-        while (index < members.size() && members[index].name() != name && members[index].optional) ++index;
-        if (index >= members.size() || members[index].name() != name) {
+        while (index < members.size() && !sameName(members[index].name(), name) && members[index].optional) ++index;
+        if (index >= members.size() || !sameName(members[index].name(), name)) {
             const int found = memberByName(*frame.plan, name);
             if (found < 0) return unknownField(name);
             index = static_cast<std::size_t>(found);
         }
         frame.at = static_cast<uint32_t>(index);
-        uint64_t& mark = reading.marks[frame.firstMark + index / 64];
+        uint64_t& mark = frame.marks[index / 64];
         const uint64_t bit = uint64_t{1} << index % 64;
         if (mark & bit) return fail(keyOffset(name), "field " + quoted(name) + " stands twice");
         mark |= bit;
@@ -185,7 +188,7 @@ private:
     bool allThere(const Frame& frame) {
         const std::span<const uint64_t> required = frame.plan->required;
         for (std::size_t i = 0; i < required.size(); ++i) {
-            if (required[i] & ~reading.marks[frame.firstMark + i]) return missingField();
+            if (required[i] & ~frame.marks[i]) return missingField();
         }
         return true;
     }
@@ -213,8 +216,9 @@ private:
     Reading& reading;
     std::string_view text;
     TextFacts facts;
-    rapidjson::InsituStringStream& stream;
+    Stream& stream;
 
+    Frame* next;          // behind the one opened last
     const Plan* target;   // type of the value that is due; null: a part of the value of a string
     char* value;          // where it goes
     bool pointer = false; // it goes where the memory at value points
@@ -222,3 +226,18 @@ private:
 };
 
 } // namespace zyn::json
+
+// The parser asks for one character at a time. Reading and writing are done on one stream; until the first escape both stand
+// at the same place, and a run of characters stays where it is.
+template <>
+struct rapidjson::Transcoder<zyn::json::Characters, zyn::json::Characters>
+    : rapidjson::Transcoder<rapidjson::UTF8<>, rapidjson::UTF8<>> {
+    using Transcoder<UTF8<>, UTF8<>>::Transcode;
+    static bool Transcode(zyn::json::Stream& stream, zyn::json::Stream&) {
+        stream.Put(stream.Take());
+        if (stream.src_ != stream.dst_) return true;
+        stream.src_ += zyn::json::plainEnd(stream.src_) - stream.src_;
+        stream.dst_ = stream.src_;
+        return true;
+    }
+};

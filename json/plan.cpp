@@ -11,12 +11,13 @@ class Plans {
 public:
     Plans() : plans(ZynTypeCount()) {
         for (uint32_t number = 0; number < plans.size(); ++number) fill(plans[number], ZynTypeByNumber(number));
+        for (const Plan& plan : plans) depthOf(plan.type);
     }
     const Plan& operator[](uint32_t number) const { return plans[number]; }
 
 private:
     void fill(Plan& plan, const ZynType* type) {
-        plan = {type, type->kind, {}, type->element ? &plans[type->element->number] : nullptr, {}, {}};
+        plan = {type, type->kind, {}, type->element ? &plans[type->element->number] : nullptr, {}, {}, 0};
         std::vector<Member>& members = memberLists.emplace_back();
         std::vector<uint64_t>& required = requiredLists.emplace_back((type->fieldCount + 63u) / 64u);
         for (unsigned i = 0; i < type->fieldCount; ++i) {
@@ -42,6 +43,15 @@ private:
         const std::size_t length = key.size();
         key.resize((length + keyPiece - 1) / keyPiece * keyPiece);
         return {key.c_str(), static_cast<uint16_t>(length), offset, optional != 0, pointer != 0, &plans[type->number]};
+    }
+
+    // Types do not contain themselves.
+    unsigned depthOf(const ZynType* type) {
+        Plan& plan = plans[type->number];
+        if (plan.depth > 0) return plan.depth;
+        unsigned below = plan.element ? depthOf(type->element) : 0;
+        for (const Member& member : plan.members) below = std::max(below, depthOf(member.plan->type));
+        return plan.depth = below + 1;
     }
 
     // What plans refer to stays where it is.

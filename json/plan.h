@@ -36,6 +36,7 @@ struct Plan {
     const Plan* element;                     // of a SET OF, otherwise null
     std::span<const std::uint16_t> byName;   // indexes of the members, sorted by their names
     std::span<const std::uint64_t> required; // a bit for each field, set in those that must be there
+    unsigned depth;                          // how many objects and arrays may be open at once in its text
 };
 
 // The plan of a type, alike for all threads. Throws std::bad_alloc, if ever, at its first call.

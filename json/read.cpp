@@ -11,6 +11,9 @@ constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseNumber
 // The parser counts digits in 32 bits.
 constexpr std::size_t longestText = std::size_t{1} << 30;
 
+// The 0 byte that ends the text for the parser, and what is read behind it in words.
+constexpr std::size_t padding = 8;
+
 // What the parser itself refuses, at a place of the text.
 std::string sentenceFor(rapidjson::ParseErrorCode code, std::string_view text, std::size_t offset) {
     const std::string found = ", found " + foundAt(text, offset);
@@ -40,26 +43,25 @@ std::string sentenceFor(rapidjson::ParseErrorCode code, std::string_view text, s
 
 void* Reading::read(const Plan& plan, std::string_view text) {
     arena.reset();
-    frames.clear();
-    marks.clear();
+    if (frames.size() < plan.depth) frames.resize(plan.depth);
     wrong.reset();
     if (text.size() > longestText) {
         wrong = Wrong{0, "", "the text has more than " + std::to_string(longestText) + " bytes"};
         return nullptr;
     }
-    if (copySize < text.size() + 1) {
+    if (copySize < text.size() + padding) {
         copySize = 0;
-        copy = std::make_unique_for_overwrite<char[]>(2 * text.size() + 1);
-        copySize = 2 * text.size() + 1;
+        copy = std::make_unique_for_overwrite<char[]>(2 * text.size() + padding);
+        copySize = 2 * text.size() + padding;
     }
     std::memcpy(copy.get(), text.data(), text.size());
-    copy[text.size()] = 0;
+    std::memset(copy.get() + text.size(), 0, padding);
 
     const auto* octets = reinterpret_cast<const uint8_t*>(text.data());
     const TextFacts facts = {utf8Prefix(octets, text.size()), text.find('\\') != text.npos};
-    rapidjson::InsituStringStream stream(copy.get());
+    Stream stream(copy.get());
     Handler handler(*this, plan, text, facts, stream);
-    rapidjson::Reader parser;
+    rapidjson::GenericReader<Characters, Characters> parser;
     const rapidjson::ParseResult result = parser.Parse<flags>(stream, handler);
     if (result.IsError()) {
         if (result.Code() == rapidjson::kParseErrorNumberTooBig) handler.refuseHugeNumber(result.Offset());

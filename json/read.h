@@ -15,9 +15,9 @@ namespace zyn::json {
 // An object or array that has been opened and not closed yet.
 struct Frame {
     const Plan* plan;
-    char* value;        // the structure that it fills
-    uint32_t at;        // index of the field, alternative or element in hand; none: before the first one
-    uint32_t firstMark; // of a SEQUENCE: where its marks start
+    char* value;     // the structure that it fills
+    uint64_t* marks; // of a SEQUENCE: a bit for each field, set when it was there
+    uint32_t at;     // index of the field, alternative or element in hand; none: before the first one
 };
 inline constexpr uint32_t none = UINT32_MAX;
 
@@ -26,8 +26,7 @@ struct Reading {
     Arena arena;
     std::unique_ptr<char[]> copy; // of the text; its strings are decoded where they stand and records point to them
     std::size_t copySize = 0;
-    std::vector<Frame> frames;
-    std::vector<uint64_t> marks;  // a bit for each field of the open SEQUENCEs: it was there
+    std::vector<Frame> frames;    // as many as can be open at once
     std::optional<Wrong> wrong;
 
     // The record that the text describes, or null: wrong tells why. Throws std::bad_alloc.

@@ -35,19 +35,20 @@ std::size_t utf8Prefix(const uint8_t* octets, std::size_t count) {
     const uint8_t* const end = octets + count;
     const uint8_t* p = octets;
     while (p < end) {
-        uint64_t word;
-        if (static_cast<std::size_t>(end - p) >= sizeof word) {
-            std::memcpy(&word, p, sizeof word);
-            if ((word & 0x8080808080808080) == 0) {
-                p += sizeof word;
-                continue;
-            }
+        uint64_t words[4];
+        while (static_cast<std::size_t>(end - p) >= sizeof words) {
+            std::memcpy(words, p, sizeof words);
+            if (((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080) != 0) break;
+            p += sizeof words;
         }
-        const unsigned length = characterLength(p, end);
-        if (length == 0) break;
-        p += length;
+        // What is left, or in the way, octet by octet.
+        for (const uint8_t* const piece = p; p < end && static_cast<std::size_t>(p - piece) < sizeof words;) {
+            const unsigned length = characterLength(p, end);
+            if (length == 0) return static_cast<std::size_t>(p - octets);
+            p += length;
+        }
     }
-    return static_cast<std::size_t>(p - octets);
+    return count;
 }
 
 bool isText(const uint8_t* octets, std::size_t count) {

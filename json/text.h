@@ -1,9 +1,11 @@
 // Characters and digits: what is text, and how octets, bits and numbers are spelled.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace zyn::json {
 
@@ -63,6 +65,43 @@ inline bool copyPlain(char* to, const uint8_t* from, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         if (from[i] < 0x20 || from[i] > 0x7E || from[i] == '"' || from[i] == '\\') return false;
         to[i] = static_cast<char>(from[i]);
+    }
+    return true;
+}
+
+// The first byte from p on that ends a run of characters inside a string of JSON: " or \ or one below 0x20, of which there
+// has to be one. Up to 7 bytes behind it are read.
+inline const char* plainEnd(const char* p) {
+    while (std::endian::native == std::endian::little) {
+        uint64_t word;
+        std::memcpy(&word, p, sizeof word);
+        constexpr uint64_t ones = ~uint64_t{0} / 0xFF, highs = ones * 0x80;
+        const uint64_t quote = word ^ ones * '"', escape = word ^ ones * '\\';
+        // Bytes above the first one found may be marked as well, by a borrow.
+        const uint64_t found =
+            (((word - ones * 0x20) & ~word) | ((quote - ones) & ~quote) | ((escape - ones) & ~escape)) & highs;
+        if (found != 0) return p + std::countr_zero(found) / 8;
+        p += sizeof word;
+    }
+    while (static_cast<uint8_t>(*p) >= 0x20 && *p != '"' && *p != '\\') ++p;
+    return p;
+}
+
+// Whether two names are the same; most are, and short.
+inline bool sameName(std::string_view a, std::string_view b) {
+    const std::size_t count = a.size();
+    if (count != b.size()) return false;
+    const auto differ = [&]<typename Word>(std::size_t at, Word) {
+        Word one, other;
+        std::memcpy(&one, a.data() + at, sizeof one);
+        std::memcpy(&other, b.data() + at, sizeof other);
+        return one ^ other;
+    };
+    if (count > 16) return a == b;
+    if (count >= 8) return (differ(0, uint64_t{}) | differ(count - 8, uint64_t{})) == 0;
+    if (count >= 4) return (differ(0, uint32_t{}) | differ(count - 4, uint32_t{})) == 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (a[i] != b[i]) return false;
     }
     return true;
 }
