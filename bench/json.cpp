@@ -1,5 +1,5 @@
-// zyn-bench-json: how fast records become JSON and JSON records, for the seven messages and the mixed traffic. Rates are
-// those of the best of many short runs, in processor time.
+// zyn-bench-json: how fast records become JSON and JSON records, for the seven messages and the mixed traffic. Rates
+// are those of the best of many short runs, in processor time.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -96,8 +96,8 @@ int run() {
         if (!read || !ZynTreeEqual(type, envelope, read)) stop(message.name + ": comes back as another record");
         return Traveller{message, type, envelope, copy};
     };
-    std::printf("MB/s of JSON and of message octets\n%-12s %7s %8s %17s %17s %14s\n", "message", "octets", "JSON", "write",
-                "read", "decode, write");
+    std::printf("MB/s of JSON and of message octets\n%-12s %7s %8s %17s %17s %14s\n", "message", "octets", "JSON",
+                "write", "read", "decode, write");
     std::vector<Traveller> all;
     const std::vector<Message> seven = sevenMessages(memory), mixed = mixedMessages(ZYN_BENCH_MESSAGES, memory);
     for (const Message& message : seven) {

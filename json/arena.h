@@ -14,7 +14,8 @@ public:
     // Gives size zero-filled bytes, aligned for any type; throws std::bad_alloc.
     void* take(std::size_t size) {
         size = (size + alignment - 1) / alignment * alignment;
-        if (size > rest) [[unlikely]] addBlock(size);
+        if (size > rest) [[unlikely]]
+            addBlock(size);
         char* const piece = next;
         next += size;
         rest -= size;

@@ -22,8 +22,8 @@ bool Handler::alternative(Frame& frame, std::string_view name) {
 bool Handler::partKey(Frame& frame, std::string_view name) {
     const bool isHex = frame.plan->kind == ZYN_KIND_OCTET_STRING;
     if (isHex ? name != "hex" : name != "bits" && name != "spare") {
-        return fail(keyOffset(name), (isHex ? "expected \"hex\", found " : "expected \"bits\" or \"spare\", found ") +
-                                       quoted(name));
+        return fail(keyOffset(name),
+                    (isHex ? "expected \"hex\", found " : "expected \"bits\" or \"spare\", found ") + quoted(name));
     }
     frame.at = name == "spare" ? 1 : 0;
     if (parts[frame.at].data()) return fail(keyOffset(name), quoted(name) + " stands twice");
@@ -64,7 +64,8 @@ bool Handler::octets(AsnOcts& string) {
     if (!digits.data()) return failAtEnd("\"hex\" is missing");
     for (std::size_t i = 0; i < digits.size(); ++i) {
         if (hexDigit(digits[i]) < 0) {
-            return fail(offsetOf(&digits[i]), "expected a hexadecimal digit, found " + foundAt({digits.data(), digits.size()}, i));
+            return fail(offsetOf(&digits[i]),
+                        "expected a hexadecimal digit, found " + foundAt({digits.data(), digits.size()}, i));
         }
     }
     if (digits.size() % 2 != 0) return fail(offsetOf(digits.data()), "an odd number of hexadecimal digits");
@@ -83,8 +84,8 @@ bool Handler::bits(AsnBits& string) {
     const std::size_t octetCount = (digits.size() + 7) / 8;
     const std::size_t left = 8 * octetCount - digits.size();
     if (spare.data() && spare.size() != left) {
-        return fail(offsetOf(spare.data()), "\"spare\" must have the " + std::to_string(left) +
-                                                " bits that the last octet has left");
+        return fail(offsetOf(spare.data()),
+                    "\"spare\" must have the " + std::to_string(left) + " bits that the last octet has left");
     }
     auto* to = static_cast<uint8_t*>(reading.arena.take(octetCount + 1)); // not null, even for no bits
     if (!readBits(digits, to, 0) || !readBits(spare, to, digits.size())) return false;
@@ -153,7 +154,8 @@ std::string Handler::path() const {
     std::string path;
     for (const Frame* open = reading.frames.data(); open != next; ++open) {
         const Frame& frame = *open;
-        if (frame.at == none || frame.plan->kind == ZYN_KIND_OCTET_STRING || frame.plan->kind == ZYN_KIND_BIT_STRING) continue;
+        if (frame.at == none || frame.plan->kind == ZYN_KIND_OCTET_STRING || frame.plan->kind == ZYN_KIND_BIT_STRING)
+            continue;
         if (frame.plan->kind == ZYN_KIND_SET_OF) {
             path += '[' + std::to_string(frame.at) + ']';
             continue;

@@ -1,7 +1,7 @@
 // What the parser calls: each event puts one value into its place, or refuses it.
 //
-// The parser only goes deeper where a value of the schema is open, so that its recursion is as deep as the schema's types
-// and no text can make it deeper.
+// The parser only goes deeper where a value of the schema is open, so that its recursion is as deep as the schema's
+// types and no text can make it deeper.
 #pragma once
 
 #include <charconv>
@@ -26,8 +26,7 @@ struct TextFacts {
 
 class Handler : public rapidjson::BaseReaderHandler<Characters, Handler> {
 public:
-    Handler(Reading& memory, const Plan& root, std::string_view source, TextFacts sourceFacts,
-            Stream& where)
+    Handler(Reading& memory, const Plan& root, std::string_view source, TextFacts sourceFacts, Stream& where)
         : reading(memory), text(source), facts(sourceFacts), stream(where), next(memory.frames.data()), target(&root) {
         value = static_cast<char*>(reading.arena.take(root.type->size));
         rootValue = value;
@@ -70,9 +69,7 @@ public:
         case ZYN_KIND_SEQUENCE:
         case ZYN_KIND_CHOICE: return push();
         case ZYN_KIND_OCTET_STRING:
-        case ZYN_KIND_BIT_STRING:
-            parts[0] = parts[1] = {};
-            return push();
+        case ZYN_KIND_BIT_STRING: parts[0] = parts[1] = {}; return push();
         default: return refuse(stream.Tell() - 1, "an object");
         }
     }
@@ -195,7 +192,8 @@ private:
 
     // A string or key at characters is UTF-8, in the text and with its escapes resolved.
     bool isWhole(const char* characters, std::size_t length) {
-        if (!facts.escapes && facts.utf8 == text.size()) [[likely]] return true;
+        if (!facts.escapes && facts.utf8 == text.size()) [[likely]]
+            return true;
         return isWholeExactly(characters, length);
     }
 
@@ -218,17 +216,17 @@ private:
     TextFacts facts;
     Stream& stream;
 
-    Frame* next;          // behind the one opened last
-    const Plan* target;   // type of the value that is due; null: a part of the value of a string
-    char* value;          // where it goes
-    bool pointer = false; // it goes where the memory at value points
+    Frame* next;              // behind the one opened last
+    const Plan* target;       // type of the value that is due; null: a part of the value of a string
+    char* value;              // where it goes
+    bool pointer = false;     // it goes where the memory at value points
     std::span<char> parts[2]; // "hex", or "bits" and "spare", of the string that is open; where they stand in the copy
 };
 
 } // namespace zyn::json
 
-// The parser asks for one character at a time. Reading and writing are done on one stream; until the first escape both stand
-// at the same place, and a run of characters stays where it is.
+// The parser asks for one character at a time. Reading and writing are done on one stream; until the first escape
+// both stand at the same place, and a run of characters stays where it is.
 template <>
 struct rapidjson::Transcoder<zyn::json::Characters, zyn::json::Characters>
     : rapidjson::Transcoder<rapidjson::UTF8<>, rapidjson::UTF8<>> {

@@ -23,7 +23,8 @@ public:
 
     // Makes room for count bytes behind at. Everything that writes asks here first; throws std::bad_alloc.
     void need(std::size_t count) {
-        if (static_cast<std::size_t>(end - at) < count) [[unlikely]] grow(count);
+        if (static_cast<std::size_t>(end - at) < count) [[unlikely]]
+            grow(count);
     }
     void put(char c) { *at++ = c; }
 

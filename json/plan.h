@@ -13,17 +13,17 @@ namespace zyn::json {
 
 struct Plan;
 
-// A key is copied in pieces of this size, as many as it takes; its storage and the room for it are that long.
+// The storage of a key is a multiple of this long, so that most are copied as one piece of fixed size.
 inline constexpr std::size_t keyPiece = 32;
 
 // A field of a SEQUENCE or an alternative of a CHOICE.
 struct Member {
-    const char* key;         // ,"name":
+    const char* key; // ,"name":
     std::uint16_t keyLength;
-    std::uint16_t offset;    // of the member, or of the slot
+    std::uint16_t offset; // of the member, or of the slot
     bool optional;
-    bool pointer;            // the value lies where the member points
-    const Plan* plan;        // of its type
+    bool pointer;     // the value lies where the member points
+    const Plan* plan; // of its type
 
     std::string_view name() const { return {key + 2, keyLength - std::size_t{4}}; }
 };

@@ -29,7 +29,8 @@ std::string sentenceFor(rapidjson::ParseErrorCode code, std::string_view text, s
     case rapidjson::kParseErrorStringUnicodeSurrogateInvalid:
         return "the string has a \\u escape that is half a surrogate pair";
     case rapidjson::kParseErrorStringEscapeInvalid:
-        return text[offset] == '\\' ? "no such escape in a string" : "a control character in a string has to be escaped" + found;
+        return text[offset] == '\\' ? "no such escape in a string"
+                                    : "a control character in a string has to be escaped" + found;
     case rapidjson::kParseErrorStringMissQuotationMark:
         return offset < text.size() ? "a control character in a string has to be escaped" + found
                                     : "the text ends inside a string";

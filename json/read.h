@@ -26,7 +26,7 @@ struct Reading {
     Arena arena;
     std::unique_ptr<char[]> copy; // of the text; its strings are decoded where they stand and records point to them
     std::size_t copySize = 0;
-    std::vector<Frame> frames;    // as many as can be open at once
+    std::vector<Frame> frames; // as many as can be open at once
     std::optional<Wrong> wrong;
 
     // The record that the text describes, or null: wrong tells why. Throws std::bad_alloc.

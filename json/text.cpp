@@ -63,9 +63,9 @@ bool isText(const uint8_t* octets, std::size_t count) {
 
 namespace {
 
-// Writes a value that has at most 15 digits, of which at most 6 are decimal places, as people write it; null: it is none.
-// whole and the power of ten are exact and the quotient is the value, so that the decimal reads back to it; and since no
-// two decimals of 15 digits are the same double, the first one found is the shortest.
+// Writes a value that has at most 15 digits, of which at most 6 are decimal places, as people write it; null: it is
+// none. whole and the power of ten are exact and the quotient is the value, so that the decimal reads back to it; and
+// since no two decimals of 15 digits are the same double, the first one found is the shortest.
 char* writeDecimal(char* to, double value) {
     constexpr double powers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
     for (unsigned places = 0; places < std::size(powers); ++places) {

@@ -26,8 +26,8 @@ constexpr int hexDigit(char c) {
     return -1;
 }
 
-// Writes the finite value in decimal, at most 32 characters, and gives the place behind. The text reads back to the same
-// bits and has no more digits than that takes.
+// Writes the finite value in decimal, at most 32 characters, and gives the place behind. The text reads back to the
+// same bits and has no more digits than that takes.
 char* writeReal(char* to, double value);
 
 // Whether all bytes of the word are printable ASCII that needs no escape in JSON: neither " nor \.
@@ -69,8 +69,8 @@ inline bool copyPlain(char* to, const uint8_t* from, std::size_t count) {
     return true;
 }
 
-// The first byte from p on that ends a run of characters inside a string of JSON: " or \ or one below 0x20, of which there
-// has to be one. Up to 7 bytes behind it are read.
+// The first byte from p on that ends a run of characters inside a string of JSON: " or \ or one below 0x20, of which
+// there has to be one. Up to 7 bytes behind it are read.
 inline const char* plainEnd(const char* p) {
     while (std::endian::native == std::endian::little) {
         uint64_t word;

@@ -1,5 +1,5 @@
-# json.sh LIBRARY ROOT: the library for JSON exports what zyn/json.h declares and nothing else, is found under its SONAME,
-# and needs the codec and the run-time libraries of C and C++ alone.
+# json.sh LIBRARY ROOT: the library for JSON exports what zyn/json.h declares and nothing else, is found under its
+# SONAME, and needs the codec and the run-time libraries of C and C++ alone.
 set -euo pipefail
 export LC_ALL=C
 library=$1 root=$2

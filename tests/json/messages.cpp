@@ -12,11 +12,13 @@
 namespace zyn::test {
 namespace {
 
-// The octets of a message file: behind the lines that start with # and the one that names the channel, up to an empty one.
+// The octets of a message file: behind the lines that start with # and the one that names the channel, up to an empty
+// one.
 std::vector<uint8_t> octetsIn(const std::filesystem::path& path) {
     std::ifstream file(path);
     std::string line, octets;
-    while (std::getline(file, line) && line.starts_with("#")) {}
+    while (std::getline(file, line) && line.starts_with("#")) {
+    }
     while (std::getline(file, line) && !line.empty()) octets += line;
     return hex(octets);
 }

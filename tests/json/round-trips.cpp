@@ -25,8 +25,8 @@ template <typename Check> void forAllTypes(uint32_t seeds, Check&& check) {
     }
 }
 
-// What differs between a record and the one that was made of its text: members, what appending to lists gives, the 0 byte
-// behind text, spare bits, octets on the wire. What comes back is the record as its receiver would have it.
+// What differs between a record and the one that was made of its text: members, what appending to lists gives, the 0
+// byte behind text, spare bits, octets on the wire. What comes back is the record as its receiver would have it.
 std::string compare(const Type& type, const void* sent, const void* read) {
     const std::string found = difference(type.id, sent, read);
     if (!found.empty() || type.shape == Shape::Primitive) return found;
@@ -100,10 +100,12 @@ TEST(JsonRoundTrips, EachFieldIsThereOnceOrNotAtAll) {
                 expected = "1:" + std::to_string(objectOf(without).size()) + ' ' + name + ": required field \"" + name +
                            "\" of " + type.name + " is missing";
             }
-            if (json.error() != expected || (read != nullptr) != expected.empty()) return "without " + name + ": " + json.error();
+            if (json.error() != expected || (read != nullptr) != expected.empty())
+                return "without " + name + ": " + json.error();
             const std::size_t column = objectOf(fields).size() + (fields.empty() ? 0 : 1);
             expected = "1:" + std::to_string(column) + ' ' + name + ": field \"" + name + "\" stands twice";
-            if (json.read(described, objectOf(twice)) || json.error() != expected) return "twice " + name + ": " + json.error();
+            if (json.read(described, objectOf(twice)) || json.error() != expected)
+                return "twice " + name + ": " + json.error();
         }
         return "";
     });

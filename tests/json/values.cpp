@@ -55,7 +55,8 @@ constexpr Spelling spellings[] = {
     {"AsnOcts", "\"\xC2\xA0\"", "\"\\u00a0\"", "the character behind it"},
     {"AsnOcts", "\"Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\x98\x80\"", "\"Z\\u00fcrich \\u20AC \\ud83d\\ude00\"",
      "characters of 2, 3 and 4 octets"},
-    {"AsnOcts", "\"\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF4\x8F\xBF\xBF\"", nullptr, "round surrogates, and the last one"},
+    {"AsnOcts", "\"\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF4\x8F\xBF\xBF\"", nullptr,
+     "round surrogates, and the last one"},
     {"AsnOcts", "{\"hex\":\"eda080\"}", nullptr, "a surrogate is no character"},
     {"AsnOcts", "{\"hex\":\"c0af\"}", nullptr, "longer than needed"},
     {"AsnOcts", "{\"hex\":\"e0809f\"}", nullptr, "longer than needed"},
@@ -115,10 +116,11 @@ TEST(JsonValues, RealsReadBackToTheSameBits) {
     std::mt19937_64 random(1);
     for (unsigned i = 0; i < 200'000; ++i) {
         const uint64_t bits = random();
-        double value = std::bit_cast<double>(bits); // any
+        double value = std::bit_cast<double>(bits);                                        // any
         if (i % 4 == 1) value = static_cast<double>(bits >> 40) / std::pow(10, bits % 10); // prices
-        if (i % 4 == 2) value = std::ldexp(static_cast<double>(bits >> 54), static_cast<int>(bits % 2100) - 1080); // few bits
-        if (i % 4 == 3) value = static_cast<double>(static_cast<int64_t>(bits) >> bits % 64); // whole numbers
+        if (i % 4 == 2)
+            value = std::ldexp(static_cast<double>(bits >> 54), static_cast<int>(bits % 2100) - 1080); // few bits
+        if (i % 4 == 3) value = static_cast<double>(static_cast<int64_t>(bits) >> bits % 64);          // whole numbers
         const std::string text = json.write(type, &value);
         const void* read = json.read(type, text);
         ASSERT_TRUE(read) << text << ' ' << json.error();

@@ -35,8 +35,10 @@ const Row rows[] = {
     {"ZynTransReq", R"({"userId":"U","upTransMsg":{}})", "1:29 upTransMsg: no alternative is there"},
     // What is there too often.
     {"ZynOrderId", R"({"orderNo":"1","orderNo":"1"})", R"(1:16 orderNo: field "orderNo" stands twice)"},
-    {"ZynTransRep", R"({"null":{},"replyOK":{}})", R"(1:12 null: only one alternative can be there, found "replyOK" as well)"},
-    {"ZynTransRep", R"({"null":{},"null":{}})", R"(1:12 null: only one alternative can be there, found "null" as well)"},
+    {"ZynTransRep", R"({"null":{},"replyOK":{}})",
+     R"(1:12 null: only one alternative can be there, found "replyOK" as well)"},
+    {"ZynTransRep", R"({"null":{},"null":{}})",
+     R"(1:12 null: only one alternative can be there, found "null" as well)"},
     {"AsnOcts", R"({"hex":"00","hex":"01"})", R"(1:13 : "hex" stands twice)"},
     // Values of another type.
     {"AsnInt", "true", "1:1 : expected an integer, found true"},
@@ -75,7 +77,8 @@ const Row rows[] = {
     {"AsnOcts", R"({"bits":"0"})", R"(1:2 : expected "hex", found "bits")"},
     {"AsnBits", R"({"bits":"0121"})", "1:12 : expected 0 or 1, found '2'"},
     {"AsnBits", R"({"spare":"0000"})", R"(1:16 : "bits" is missing)"},
-    {"AsnBits", R"({"bits":"1010","spare":"001"})", R"(1:25 : "spare" must have the 4 bits that the last octet has left)"},
+    {"AsnBits", R"({"bits":"1010","spare":"001"})",
+     R"(1:25 : "spare" must have the 4 bits that the last octet has left)"},
     {"AsnBits", R"({"bits":"10101010","spare":"00000000"})",
      R"(1:29 : "spare" must have the 0 bits that the last octet has left)"},
     {"AsnBits", R"({"hex":"00"})", R"(1:2 : expected "bits" or "spare", found "hex")"},
@@ -102,7 +105,7 @@ const Row rows[] = {
     {"AsnInt", "07", "1:2 : expected nothing more behind the value, found '7'"},
     {"AsnInt", "+7", "1:1 : expected a value, found '+'"},
     {"AsnInt", "-", "1:2 : expected a value, found the end of the text"},
-    {"AsnInt", "\xEF\xBB\xBF" "7", "1:1 : expected a value, found byte 0xef"},
+    {"AsnInt", "\xEF\xBB\xBF\x37", "1:1 : expected a value, found byte 0xef"},
     {"AsnReal", "1.", "1:3 : expected a digit behind the decimal point, found the end of the text"},
     {"AsnReal", "1e", "1:3 : expected a digit in the exponent, found the end of the text"},
     {"AsnReal", "NaN", "1:1 : expected a value, found 'N'"},
@@ -144,9 +147,12 @@ TEST(JsonWrong, DeepTexts) {
 
 // What stands in a text, cut and changed at random, so that much of it still is JSON.
 std::string damaged(const std::string& text, Random& random) {
-    constexpr std::string_view pieces[] = {"{",  "}",    "[",     "]",      ",",    ":",       "\"",   "\\",
-                                           "-",  "1e",   "0",     ".5",     "null", "true",    "\\ud", "\\u0000",
-                                           "\n", "\x80", "\xC3",  "\xFF",   "\x1F", "{\"hex\":\"0", "{\"bits\":\"1"};
+    // clang-format off
+    constexpr std::string_view pieces[] = {
+        "{", "}", "[", "]", ",", ":", "\"", "\\", "-", "1e", "0", ".5", "null", "true", "\\ud", "\\u0000",
+        "\n", "\x80", "\xC3", "\xFF", "\x1F", "{\"hex\":\"0", "{\"bits\":\"1"
+    };
+    // clang-format on
     std::string result = text;
     for (uint32_t n = 1 + below(random, 3); n > 0; --n) {
         const std::size_t at = below(random, result.size() + 1);
