@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
-build_packages=(g++ cmake ninja-build)
+build_packages=(g++ cmake ninja-build rapidjson-dev)
 test_packages=("${build_packages[@]}" libgtest-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
