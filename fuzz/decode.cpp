@@ -1,5 +1,6 @@
 // A Decode: any octets, by the direct way and by the exact way. ZYN_FUZZ_CHANNEL says which of the four.
 #include "fuzz/target.h"
+#include "tests/support/footprint.h"
 
 namespace zyn::fuzz {
 namespace {
@@ -17,5 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static zyn::test::TwoWays ways;
     ways.decode(channel, Octets(data, data + size));
     expect(ways.problem.empty(), ways.problem);
+    expect(static_cast<double>(ways.held()) <= zyn::test::arenaBound().over(size), "more memory than the octets justify");
     return 0;
 }

@@ -12,6 +12,10 @@ namespace zyn::fuzz {
 namespace {
 
 using test::below;
+using test::Element;
+using test::Elements;
+using test::parse;
+using test::written;
 
 // An element and the ones that it stands among.
 struct Place {

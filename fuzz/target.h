@@ -1,11 +1,12 @@
 // What a fuzz target is made of, beside the LLVMFuzzerTestOneInput of its own unit.
 #pragma once
 
-#include "fuzz/elements.h"
+#include "tests/support/elements.h"
 #include "tests/support/two-ways.h"
 
 namespace zyn::fuzz {
 
+using test::Octets;
 using test::Random;
 
 // An input is some octets that say what is to be done with the rest, and the rest: BER elements.

@@ -5,6 +5,7 @@
 
 #include "api/way.h"
 #include "tests/support/arena.h"
+#include "tests/support/footprint.h"
 #include "tests/support/walk.h"
 
 namespace zyn::test {
@@ -186,6 +187,8 @@ void* TwoWays::decode(const Channel& channel, const Octets& octets) {
     compareArenas();
     return messages[0];
 }
+
+std::size_t TwoWays::held() const { return std::max(heldByArena(arenas[0]), heldByArena(arenas[1])); }
 
 Octets TwoWays::encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice,
                        uint32_t room) {

@@ -1,8 +1,8 @@
-#include "fuzz/elements.h"
+#include "tests/support/elements.h"
 
 #include <algorithm>
 
-namespace zyn::fuzz {
+namespace zyn::test {
 namespace {
 
 using Span = std::span<const uint8_t>;
@@ -73,7 +73,7 @@ Elements parseSome(Span& rest, bool untilMarker, int depth) {
 void write(const Element& element, Octets& out) {
     const Octets content = element.constructed ? written(element.parts) : element.content;
     if (!element.tag.empty()) {
-        test::append(out, element.tag);
+        append(out, element.tag);
         const uint32_t length = element.claimed.value_or(static_cast<uint32_t>(content.size()));
         unsigned octets = element.lengthOctets;
         while (octets < 4 && (octets > 0 || length >= 0x80) && uint64_t{length} >> (8 * octets) != 0) ++octets;
@@ -86,7 +86,7 @@ void write(const Element& element, Octets& out) {
             while (octets-- > 0) out.push_back(static_cast<uint8_t>(length >> (8 * octets)));
         }
     }
-    test::append(out, content);
+    append(out, content);
 }
 
 } // namespace
@@ -99,4 +99,4 @@ Octets written(const Elements& elements) {
     return out;
 }
 
-} // namespace zyn::fuzz
+} // namespace zyn::test

@@ -7,9 +7,7 @@
 
 #include "tests/support/reference.h"
 
-namespace zyn::fuzz {
-
-using test::Octets;
+namespace zyn::test {
 
 struct Element;
 using Elements = std::vector<Element>;
@@ -31,4 +29,4 @@ Elements parse(std::span<const uint8_t> octets);
 // Lengths are those of what there is, unless they are claimed to be others.
 Octets written(const Elements& elements);
 
-} // namespace zyn::fuzz
+} // namespace zyn::test
