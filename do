@@ -6,6 +6,7 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev)
 test_packages=("${build_packages[@]}" libgtest-dev)
+fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
 
@@ -106,6 +107,15 @@ verb_bench() {
     fi
 }
 
+## fuzz SECONDS run all fuzz targets side by side for about so long in all; --store: make fuzz/corpus anew
+verb_fuzz() {
+    [[ ${1:-} =~ ^([1-9][0-9]*|--store)$ ]] || wrong_use "fuzz takes a number of seconds, or --store"
+    set_up "${fuzz_packages[@]}"
+    build fuzz zyn-fuzz
+    say "fuzzing"
+    fuzz/run build/fuzz "$1"
+}
+
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
     set_up "${build_packages[@]}"
@@ -129,6 +139,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb == test || $verb == bench ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ $verb == test || $verb == bench || $verb == fuzz ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"
