@@ -86,9 +86,10 @@ template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t leng
     const NibbleMem* arena = setUp();
     if (!arena) return ZYN_E_NO_MEMORY;
     emptyArena(*arena);
-    if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
+    const direct::Outcome outcome = mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
+    if (outcome != direct::Outcome::GaveUp) {
         tellWay(Way::Direct);
-        return 0;
+        return outcome == direct::Outcome::Done ? 0 : ZYN_E_NO_MEMORY;
     }
     ResetNibbleMem();
     return decodeExact(id, buffer, length, envelope);
