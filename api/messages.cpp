@@ -93,12 +93,14 @@ template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t leng
     const NibbleMem* arena = begin();
     if (!arena) return ZYN_E_NO_MEMORY;
     emptyArena(*arena);
-    if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
-        tellWay(Way::Direct);
-        return 0;
+    const direct::Outcome outcome = mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
+    if (outcome == direct::Outcome::GaveUp) {
+        ResetNibbleMem();
+        return decodeExact(id, buffer, length, envelope);
     }
-    ResetNibbleMem();
-    return decodeExact(id, buffer, length, envelope);
+    tellWay(Way::Direct);
+    if (outcome == direct::Outcome::Done) [[likely]] return 0;
+    return startFailure(ZYN_E_NO_MEMORY).code;
 }
 
 // The 12 characters that a request's sender gives, without the blanks at their end: what ZynTextStrSet makes of them.

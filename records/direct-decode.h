@@ -28,6 +28,7 @@ struct Cursor {
 struct Source {
     const uint8_t* begin; // of the message
     uint8_t* blockEnd;    // of the arena's current block
+    bool refused = false; // memory was
 };
 
 inline Cursor giveUp(Cursor at) { return {nullptr, at.free}; }
@@ -44,6 +45,7 @@ struct Taken {
     auto* memory = static_cast<uint8_t*>(NibbleAlloc(size));
     const NibbleBuf* block = currentArena()->currNibbleBuf;
     source.blockEnd = block->end;
+    source.refused = !memory;
     return {memory, block->curr};
 }
 
@@ -518,7 +520,7 @@ template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* re
     return table[number].decoder({at.p + octets, at.free}, rest - octets, &record->slot, source);
 }
 
-template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void* message) {
+template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message) {
     NibbleBuf* block = currentArena()->currNibbleBuf;
     Source source{buffer, block->end};
     Cursor at{buffer, block->curr};
@@ -526,17 +528,17 @@ template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void
     alignas(void*) unsigned char record[typeOf(id).size] = {};
     if constexpr (typeOf(id).shape == Shape::Sequence) {
         Measured measured;
-        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return false;
-        if (measured.length > length - 1 - measured.octets) return false;
+        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return Outcome::GaveUp;
+        if (measured.length > length - 1 - measured.octets) return Outcome::GaveUp;
         at.p += 1 + measured.octets;
         at = sequence<id, Room::tested>(at, measured.length, record, source);
     } else {
         at = choice<id>(at, length, reinterpret_cast<ChoiceRecord*>(record), source);
     }
     currentArena()->currNibbleBuf->curr = at.free;
-    if (!at.p) return false;
+    if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
     std::memcpy(message, record, sizeof record);
-    return true;
+    return Outcome::Done;
 }
 
 } // namespace zyn::direct
