@@ -100,6 +100,8 @@ verb_bench() {
     build bench
     say "measuring; this takes minutes"
     bench/table build/bench
+    say "measuring JSON"
+    build/bench/bin/zyn-bench-json
     if [[ ${1:-} == --plot ]]; then
         say "drawing docs/performance.svg"
         mkdir -p docs
