@@ -3,5 +3,8 @@
 
 #include <cstdlib>
 
-// Whether the environment asks for fewer bit patterns: ZYN_FEW_PATTERNS is set.
-inline bool fewPatterns() { return std::getenv("ZYN_FEW_PATTERNS") != nullptr; }
+// One in how many bit patterns is tried: all, or few if the environment has ZYN_FEW_PATTERNS.
+inline unsigned onePatternIn() {
+    static const bool few = std::getenv("ZYN_FEW_PATTERNS") != nullptr;
+    return few ? 16 : 1;
+}
