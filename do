@@ -93,9 +93,17 @@ memcheck() {
     done
 }
 
-## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well
+## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
+##              only count instructions, and compare them with those stored
 verb_bench() {
-    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot or nothing"
+    if [[ ${1:-} == instructions ]]; then
+        set_up "${build_packages[@]}" valgrind
+        build bench zyn-bench-steady
+        say "counting instructions"
+        bench/instructions build/bench
+        return
+    fi
+    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot, instructions or nothing"
     set_up "${bench_packages[@]}"
     build bench
     say "measuring; this takes minutes"

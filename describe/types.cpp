@@ -11,10 +11,15 @@
 namespace zyn {
 namespace {
 
-// Descriptions refer to each other by address, which is known before they are.
-extern const std::array<ZynType, typeCount> described;
+// Descriptions refer to each other by address, which is known before they are: the address of an element of a plain
+// array, since a call of an operator on an object that is not yet there is no constant expression.
+struct Descriptions {
+    ZynType of[typeCount];
+};
 
-constexpr const ZynType* descriptionOf(TypeId id) { return &described[static_cast<std::size_t>(id)]; }
+extern const Descriptions described;
+
+constexpr const ZynType* descriptionOf(TypeId id) { return &described.of[static_cast<std::size_t>(id)]; }
 
 constexpr ZynKind kindOf(const Type& type) {
     switch (type.shape) {
@@ -89,13 +94,13 @@ constexpr auto operations = []<std::size_t... i>(std::index_sequence<i...>) {
     return std::array<ZynOperations, typeCount>{operationsOf<static_cast<TypeId>(i)>()...};
 }(std::make_index_sequence<typeCount>());
 
-constexpr std::array<ZynType, typeCount> described = [] {
-    std::array<ZynType, typeCount> all{};
+constexpr Descriptions described = [] {
+    Descriptions all{};
     const ZynField* nextField = fields.data();
     const ZynAlternative* nextAlternative = alternatives.data();
     for (const Type& type : types) {
         const auto number = static_cast<std::size_t>(type.id);
-        ZynType& to = all[number];
+        ZynType& to = all.of[number];
         to = {.name = type.name, .module = type.module, .fields = nullptr, .alternatives = nullptr, .element = nullptr,
               .operations = operations[number], .number = static_cast<uint32_t>(number), .kind = kindOf(type),
               .size = type.size, .alignment = type.alignment,
@@ -136,13 +141,13 @@ template <typename Row> const Row* named(const Row* rows, std::size_t count, std
 
 uint32_t ZynTypeCount(void) { return zyn::typeCount; }
 
-const ZynType* ZynTypeByNumber(uint32_t number) { return number < zyn::typeCount ? &zyn::described[number] : nullptr; }
+const ZynType* ZynTypeByNumber(uint32_t number) { return number < zyn::typeCount ? &zyn::described.of[number] : nullptr; }
 
 const ZynType* ZynTypeByName(const char* name) {
     const std::string_view wanted = name;
     const auto nameOf = [](uint16_t i) { return std::string_view(zyn::types[i].name); };
     const auto found = std::ranges::lower_bound(zyn::byName, wanted, {}, nameOf);
-    return found != zyn::byName.end() && nameOf(*found) == wanted ? &zyn::described[*found] : nullptr;
+    return found != zyn::byName.end() && nameOf(*found) == wanted ? &zyn::described.of[*found] : nullptr;
 }
 
 uint32_t ZynModuleCount(void) { return std::size(zyn::modules); }
