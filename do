@@ -93,8 +93,24 @@ memcheck() {
     done
 }
 
+## coverage     which lines and branches of the library the tests run, in figures and as a page; fails below 97 and 95 %
+verb_coverage() {
+    set_up "${test_packages[@]}" gcovr
+    build coverage
+    say "testing, preset coverage"
+    find build/coverage -name '*.gcda' -delete
+    ctest --preset coverage
+    say "counting; the page is build/coverage/page/index.html"
+    mkdir -p build/coverage/page
+    gcovr --root . --object-directory build/coverage --filter 'sbuf/' --filter 'api/' --filter 'records/[^/]*$' \
+        --exclude-throw-branches --exclude-unreachable-branches \
+        --html-details build/coverage/page/index.html --txt build/coverage/page/lines.txt --print-summary \
+        --fail-under-line 97 --fail-under-branch 95
+}
+
 ## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
 ##              only count instructions, and compare them with those stored
+## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well
 verb_bench() {
     if [[ ${1:-} == instructions ]]; then
         set_up "${build_packages[@]}" valgrind
