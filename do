@@ -110,7 +110,6 @@ verb_coverage() {
 
 ## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
 ##              only count instructions, and compare them with those stored
-## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well
 verb_bench() {
     if [[ ${1:-} == instructions ]]; then
         set_up "${build_packages[@]}" valgrind
