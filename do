@@ -9,6 +9,8 @@ test_packages=("${build_packages[@]}" libgtest-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
 
+interop_packages=("${test_packages[@]}" asn1c erlang-asn1)
+
 say() { printf '== %s\n' "$*"; }
 
 wrong_use() {
@@ -85,6 +87,16 @@ verb_bench() {
     fi
 }
 
+## interop [N] exchange messages with two general ASN.1 compilers, N of each alternative, and compare all values
+verb_interop() {
+    local count=${1:-60}
+    [[ $count =~ ^[1-9][0-9]*$ ]] || wrong_use "interop takes a number of messages"
+    set_up "${interop_packages[@]}"
+    build test interop
+    say "exchanging messages, $count of each alternative, as many in other forms and as many damaged ones"
+    interop/run build/test/bin build/test/interop "$count"
+}
+
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
     set_up "${build_packages[@]}"
@@ -108,6 +120,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb == test || $verb == bench ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ $verb =~ ^(test|bench|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"
