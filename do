@@ -4,8 +4,9 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
-build_packages=(g++ cmake ninja-build)
+build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
 test_packages=("${build_packages[@]}" libgtest-dev)
+fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
 
@@ -63,23 +64,54 @@ verb_build() {
     build release
 }
 
-## test [asan]  build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer
+## test [HOW]   build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer; tsan: the tests of
+##              threads under ThreadSanitizer; valgrind, i386, s390x: the library's tests under memcheck, as a 32-bit
+##              build, and emulated on a big-endian machine
 verb_test() {
     local preset=${1:-test}
-    [[ $preset == test || $preset == asan ]] || wrong_use "there is no test run '$preset'"
-    set_up "${test_packages[@]}"
+    case $preset in
+    test | asan | tsan) set_up "${test_packages[@]}" ;;
+    valgrind) set_up "${test_packages[@]}" valgrind ;;
+    i386) set_up "${test_packages[@]}" googletest g++-i686-linux-gnu ;;
+    s390x) set_up "${test_packages[@]}" googletest g++-s390x-linux-gnu qemu-user ;;
+    *) wrong_use "there is no test run '$preset'" ;;
+    esac
+    if [[ $preset == valgrind ]]; then
+        build test library-tests
+        memcheck
+        return
+    fi
     build "$preset"
     say "testing, preset $preset"
     ctest --preset "$preset"
 }
 
-## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well
+# Runs the library's tests with fewer bit patterns; an error or a leak ends it.
+memcheck() {
+    local part
+    for part in sbuf records api thread; do
+        say "memcheck, $part-tests"
+        ZYN_FEW_PATTERNS=1 valgrind --quiet --leak-check=full --error-exitcode=1 "build/test/bin/$part-tests" --gtest_brief
+    done
+}
+
+## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
+##              only count instructions, and compare them with those stored
 verb_bench() {
-    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot or nothing"
+    if [[ ${1:-} == instructions ]]; then
+        set_up "${build_packages[@]}" valgrind
+        build bench zyn-bench-steady
+        say "counting instructions"
+        bench/instructions build/bench
+        return
+    fi
+    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot, instructions or nothing"
     set_up "${bench_packages[@]}"
     build bench
     say "measuring; this takes minutes"
     bench/table build/bench
+    say "measuring JSON"
+    build/bench/bin/zyn-bench-json
     if [[ ${1:-} == --plot ]]; then
         say "drawing docs/performance.svg"
         mkdir -p docs
@@ -95,6 +127,15 @@ verb_interop() {
     build test interop
     say "exchanging messages, $count of each alternative, as many in other forms and as many damaged ones"
     interop/run build/test/bin build/test/interop "$count"
+}
+
+## fuzz SECONDS run all fuzz targets side by side for about so long in all; --store: make fuzz/corpus anew
+verb_fuzz() {
+    [[ ${1:-} =~ ^([1-9][0-9]*|--store)$ ]] || wrong_use "fuzz takes a number of seconds, or --store"
+    set_up "${fuzz_packages[@]}"
+    build fuzz zyn-fuzz
+    say "fuzzing"
+    fuzz/run build/fuzz "$1"
 }
 
 ## generate     make again what the schema compiler makes of records/*.asn1
@@ -120,6 +161,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb =~ ^(test|bench|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ $verb =~ ^(test|bench|fuzz|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"

@@ -1,5 +1,6 @@
 #include "api/setup.h"
 
+#include "zyn/codes.h"
 #include "zyn/messages.h"
 
 namespace zyn {
@@ -10,12 +11,18 @@ constexpr uint32_t laterBlockSize = 1024;
 
 } // namespace
 
-bool initialised = false;
+NibbleMem* setUpSlowly() {
+    if (!currentlyInitialised() || !currentArena()) InitNibbleMem(firstBlockSize, laterBlockSize);
+    currentlyInitialised() = currentArena() != nullptr;
+    currentlyReady() = currentlyInitialised() && currentFailure().code == 0;
+    return currentArena();
+}
 
-bool initialiseApi() {
-    InitNibbleMem(firstBlockSize, laterBlockSize);
-    initialised = currentArena() != nullptr;
-    return initialised;
+NibbleMem* beginSlowly() {
+    currentFailure().code = 0;
+    NibbleMem* arena = setUpSlowly();
+    if (!arena) startFailure(ZYN_E_NO_MEMORY);
+    return arena;
 }
 
 } // namespace zyn

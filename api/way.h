@@ -7,8 +7,8 @@ namespace zyn {
 enum class Way { Direct, Exact };
 
 #ifdef ZYN_TELL_WAY
-inline bool directAllowed = true; // false: every message goes the exact way
-inline Way lastWay = Way::Exact;  // the one that the last message took to its end
+inline thread_local bool directAllowed = true; // false: every message of this thread goes the exact way
+inline thread_local Way lastWay = Way::Exact;  // the one that its last message took to its end
 inline bool mayGoDirect() { return directAllowed; }
 inline void tellWay(Way way) { lastWay = way; }
 #else

@@ -7,6 +7,7 @@
 // a message, nor a REAL's among the first 8: the tags and lengths of the frame stand there.
 #pragma once
 
+#include <algorithm>
 #include <utility>
 
 #include "records/direct-bounds.h"
@@ -27,6 +28,7 @@ struct Cursor {
 struct Source {
     const uint8_t* begin; // of the message
     uint8_t* blockEnd;    // of the arena's current block
+    bool refused = false; // memory was
 };
 
 inline Cursor giveUp(Cursor at) { return {nullptr, at.free}; }
@@ -43,6 +45,7 @@ struct Taken {
     auto* memory = static_cast<uint8_t*>(NibbleAlloc(size));
     const NibbleBuf* block = currentArena()->currNibbleBuf;
     source.blockEnd = block->end;
+    source.refused = !memory;
     return {memory, block->curr};
 }
 
@@ -70,17 +73,19 @@ struct Measured {
     std::size_t octets;
 };
 
-// A length of more than one octet (X.690 8.1.3.5), in the first of rest octets at p. The indefinite form, and what is
-// overlong or cut off, is refused.
+// A length of more than one octet (X.690 8.1.3.5), in the first of rest octets at p. The indefinite form is refused, and so
+// is what has more than 4 octets or is cut off, in the length itself or in its value.
 [[gnu::noinline]] inline Measured longLength(const uint8_t* p, std::size_t rest) {
     const std::size_t octets = *p & 0x7F;
     if (octets == 0 || octets > 4 || rest <= octets) return {0, 0};
     std::size_t length = 0;
     for (std::size_t i = 1; i <= octets; ++i) length = length << 8 | p[i];
+    if (length > rest - 1 - octets) return {0, 0};
     return {length, 1 + octets};
 }
 
-// The length in the first of rest octets at p. False: refused. Whether the value is there is for the caller to see.
+// The length in the first of rest octets at p. False: refused. Whether the value of a length of one octet is there is for
+// the caller to see.
 [[gnu::always_inline]] inline bool readLength(const uint8_t* p, std::size_t rest, Measured& measured) {
     measured = {*p, 1};
     if (measured.length >= 0x80) [[unlikely]] {
@@ -95,32 +100,55 @@ struct Measured {
     return littleEndian(littleEndian(load<uint64_t>(end - 8)) >> 8 >> (56 - 8 * length));
 }
 
-// The octets of a string of more than one word, or so early in the message that a word would begin before it.
-[[gnu::noinline]] inline void copyLongString(uint8_t* to, const uint8_t* from, std::size_t length, const uint8_t* begin) {
-    if (length > 64 || std::size_t(from - begin) < 8) {
-        std::memcpy(to, from, length);
-        return;
-    }
-    const uint8_t* end = from + length;
-    for (; length >= 8; length -= 8, from += 8, to += 8) store(to, load<uint64_t>(from));
-    store(to, lastOctets(end, length));
-}
-
-// The octets of a primitive string with their closing 0 byte, in whole words: the last word is masked, so that it holds
-// the 0 and leaves the arena's zeros behind it.
-[[gnu::always_inline]] inline Cursor copyString(Cursor at, std::size_t length, AsnOcts* text, Source& source) {
+// The octets of a string, followed by a 0 byte.
+[[gnu::noinline]] inline Cursor copyString(Cursor at, std::size_t length, AsnOcts* text, Source& source) {
     uint8_t* octs;
     if (!take(octs, at.free, length + 1, source)) return giveUp(at);
+    std::memcpy(octs, at.p, length);
     text->octetLen = static_cast<uint32_t>(length);
     text->octs = octs;
-    const uint8_t* from = at.p;
     at.p += length;
-    if (length < 8 && std::size_t(from - source.begin) >= 8) [[likely]] store(octs, lastOctets(at.p, length));
-    else copyLongString(octs, from, length, source.begin);
     return at;
 }
 
-[[gnu::noinline]] inline Cursor copyBits(Cursor at, std::size_t length, AsnBits* bits, Source& source) {
+// A string from its length on, in the first of rest octets at at.p, with all that can be rare about it.
+[[gnu::noinline]] inline Cursor rareString(Cursor at, std::size_t rest, AsnOcts* text, Source& source) {
+    Measured measured;
+    if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
+    at.p += measured.octets;
+    return copyString(at, measured.length, text, source);
+}
+
+// The same for what is usual, without a call and, up to 23 octets, without a branch that depends on the length. The octets
+// go in whole words; the last one is masked, so that it holds the closing 0 and leaves the arena's zeros behind it.
+[[gnu::noinline]] inline Cursor string(Cursor at, std::size_t rest, AsnOcts* text, Source& source) {
+    const std::size_t length = *at.p, stored = roundedUp(length + 1);
+    const uint8_t *from = at.p + 1, *end = from + length;
+    if (length < 8 || length > 64 || length >= rest || std::size_t(source.blockEnd - at.free) < 24 + stored) [[unlikely]] {
+        return rareString(at, rest, text, source);
+    }
+    text->octetLen = static_cast<uint32_t>(length);
+    text->octs = at.free;
+    uint8_t* to = at.free;
+    if (length >= 24) {
+        uint8_t* const last = to + stored - 8;
+        for (; to != last; from += 8, to += 8) store(to, load<uint64_t>(from));
+        store(last, lastOctets(end, length % 8));
+        return {end, at.free + stored};
+    }
+    const std::size_t second = std::min<std::size_t>(length - 8, 8), missing = 8 - second;
+    store(to, load<uint64_t>(from));
+    store(to + 8, littleEndian(littleEndian(load<uint64_t>(from + second)) >> 4 * missing >> 4 * missing));
+    store(to + 16, length < 16 ? 0 : lastOctets(end, length % 8));
+    return {end, at.free + stored};
+}
+
+// A BIT STRING from its length on, in the first of rest octets at at.p.
+[[gnu::noinline]] inline Cursor bits(Cursor at, std::size_t rest, AsnBits* bitString, Source& source) {
+    Measured measured;
+    if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
+    at.p += measured.octets;
+    const std::size_t length = measured.length;
     if (length == 0) return giveUp(at);
     const uint8_t unused = at.p[0];
     const std::size_t count = (length - 1) * 8;
@@ -128,16 +156,16 @@ struct Measured {
     uint8_t* octets;
     if (!take(octets, at.free, length - 1, source)) return giveUp(at);
     if (length > 1) std::memcpy(octets, at.p + 1, length - 1);
-    bits->bitLen = static_cast<int32_t>(count - unused);
-    bits->bits = octets;
+    bitString->bitLen = static_cast<int32_t>(count - unused);
+    bitString->bits = octets;
     at.p += length;
     return at;
 }
 
-// The content octets of an INTEGER, 1 to 4 of them.
-[[gnu::always_inline]] inline AsnInt integerAt(const uint8_t* p, std::size_t length) {
+// The content octets of an INTEGER, 1 to 4 of them before end.
+[[gnu::always_inline]] inline AsnInt integerBefore(const uint8_t* end, std::size_t length) {
     const unsigned excess = 32 - 8 * static_cast<unsigned>(length);
-    return static_cast<AsnInt>(bigEndian(load<uint32_t>(p + length - 4)) << excess) >> excess;
+    return static_cast<AsnInt>(bigEndian(load<uint32_t>(end - 4)) << excess) >> excess;
 }
 
 // The mantissa of a REAL: its last octets, 1 to 7 of them.
@@ -168,56 +196,36 @@ struct Measured {
     return true;
 }
 
-template <TypeId id, Room room = Room::tested>
-Cursor sequence(Cursor at, std::size_t length, void* record, Source& source);
+// A record from its length on, in the first of rest octets at at.p; place gets the pointer to it, as does a member of that
+// type.
+template <TypeId id, Room room = Room::tested> Cursor record(Cursor at, std::size_t rest, void* place, Source& source);
+// A CHOICE from its alternative's tag on, inside the first of rest octets; it may end before them.
 template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source);
 
-// The memory of a record and then its content. place gets the pointer to it, and has the type void* in the arena.
-template <TypeId id> [[gnu::always_inline]] inline Cursor record(Cursor at, std::size_t length, void* place, Source& source) {
-    uint8_t* memory;
-    if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
-    store(place, memory);
-    return sequence<id>(at, length, memory, source);
-}
-
-// The same for a small record that may not fit into the arena's current block.
-template <TypeId id>
-[[gnu::noinline, gnu::cold]] Cursor smallRecordAcross(Cursor at, std::size_t length, void* place, Source& source) {
-    return record<id>(at, length, place, source);
-}
-
-template <TypeId id, Room room>
-[[gnu::always_inline]] inline Cursor smallRecord(Cursor at, std::size_t length, void* place, Source& source) {
-    if (room == Room::tested && std::size_t(source.blockEnd - at.free) < smallArena(id)) [[unlikely]] {
-        return smallRecordAcross<id>(at, length, place, source);
-    }
-    uint8_t* memory;
-    take<Room::proved>(memory, at.free, typeOf(id).size, source);
-    store(place, memory);
-    return sequence<id, Room::proved>(at, length, memory, source);
-}
-
-template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, AsnList* list, Source& source) {
+// A SET OF, as record.
+template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, void* place, Source& source) {
     constexpr TypeId element = typeOf(id).element;
+    Measured measured;
+    if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
+    at.p += measured.octets;
+    const uint8_t* const end = at.p + measured.length;
+    uint8_t* memory;
+    if (!take(memory, at.free, sizeof(AsnList), source)) return giveUp(at);
+    store(place, memory);
+    auto* list = reinterpret_cast<AsnList*>(memory);
     list->dataSize = sizeof(void*);
     AsnListNode* last = nullptr;
     int32_t count = 0;
-    while (rest > 0) {
-        Measured measured;
-        if (rest < 2 || *at.p != 0x30 || !readLength(at.p + 1, rest - 1, measured)) return giveUp(at);
-        at.p += 1 + measured.octets;
-        rest -= 1 + measured.octets;
-        if (measured.length > rest) return giveUp(at);
-        rest -= measured.length;
-        uint8_t* memory;
+    while (at.p != end) {
+        const std::size_t left = std::size_t(end - at.p);
+        if (left < 2 || *at.p != 0x30) return giveUp(at);
         if (!take(memory, at.free, sizeof(AsnListNode) + sizeof(void*), source)) return giveUp(at);
         auto* node = reinterpret_cast<AsnListNode*>(memory);
         node->prev = last;
         (last ? last->next : list->first) = node;
         last = node;
         ++count;
-        if constexpr (isSmall(element)) at = smallRecord<element, Room::tested>(at, measured.length, &node->data, source);
-        else at = record<element>(at, measured.length, &node->data, source);
+        at = record<element>({at.p + 1, at.free}, left - 1, &node->data, source);
         if (!at.p) return at;
     }
     list->last = list->curr = last;
@@ -225,82 +233,129 @@ template <TypeId id> Cursor setOf(Cursor at, std::size_t rest, AsnList* list, So
     return at;
 }
 
-// The state of one SEQUENCE under decoding. head holds the next two octets of the message, the first one in the low
-// octet: the tag and, behind a tag of one octet, the length.
+// The state of one SEQUENCE under decoding. Octets are counted from the end of the record: left is below 0 by as many as
+// are still to be read; above 0, more were read than there are. head holds the next two octets of the message, the first
+// one in the low octet: the tag and, behind a tag of one octet, the length.
 struct Walk {
-    Cursor at;
-    std::ptrdiff_t rest; // octets of the record that are still to be read; below 0: more were read than there are
+    const uint8_t* end;
+    std::ptrdiff_t left;
+    uint8_t* free; // next free byte of the arena's current block
     Source& source;
     uint32_t head = 0;
 
+    [[gnu::always_inline]] const uint8_t* p() const { return end + left; }
+    [[gnu::always_inline]] std::size_t rest() const { return static_cast<std::size_t>(-left); }
+    [[gnu::always_inline]] Cursor at() const { return {p(), free}; }
     [[gnu::always_inline]] bool failed() {
-        at.p = nullptr;
+        left = 1;
         return false;
     }
+    // On behind octets that are there, or that are found missing.
     [[gnu::always_inline]] bool consume(std::size_t octets) {
-        rest -= static_cast<std::ptrdiff_t>(octets);
-        return rest >= 0 ? true : failed();
+        left += static_cast<std::ptrdiff_t>(octets);
+        return left <= 0;
     }
-    [[gnu::always_inline]] void readHead() { head = littleEndian(load<uint16_t>(at.p)); }
+    // On to where something has read to.
+    [[gnu::always_inline]] bool moveTo(Cursor to) {
+        free = to.free;
+        if (!to.p) return failed();
+        left = to.p - end;
+        return true;
+    }
+    [[gnu::always_inline]] void readHead() { head = littleEndian(load<uint16_t>(p())); }
 };
 
-// The value of one field, whose tag and length have been read and whose octets are there.
+// Whether a word that ends with a value of field index may begin before the message. What stands in front of the value has
+// two octets at least, a tag and a length: the record, each required field before this one, and this one.
+constexpr bool mayStandFirst(TypeId id, std::size_t index) {
+    std::size_t octets = 2 + 2;
+    for (std::size_t i = 0; i < index; ++i) {
+        if (!typeOf(id).fields[i].optional) octets += 2;
+    }
+    return octets < 8;
+}
+
+// A string behind its tag. Most are so short that one word holds them with their 0.
+template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool stringField(Walk& walk, AsnOcts* text) {
+    constexpr std::size_t word = 8;
+    const std::size_t length = walk.head >> 8;
+    const uint8_t* end = walk.p() + 2 + length;
+    const bool near = mayStandFirst(id, index) && std::size_t(end - walk.source.begin) < word;
+    if (length >= word || near || std::size_t(walk.source.blockEnd - walk.free) < word) [[unlikely]] {
+        return walk.moveTo(string({walk.p() + 1, walk.free}, walk.rest() - 1, text, walk.source));
+    }
+    if (!walk.consume(2 + length)) return false;
+    text->octetLen = static_cast<uint32_t>(length);
+    text->octs = walk.free;
+    store(walk.free, lastOctets(end, length));
+    walk.free += word;
+    return true;
+}
+
+// The value of one field, whose tag and length have been read: the length octets before walk.p().
 template <TypeId id, std::size_t index, Room room>
 [[gnu::always_inline]] inline bool value(Walk& walk, std::size_t length, void* record) {
     constexpr const Field& row = typeOf(id).fields[index];
     void* place = static_cast<char*>(record) + row.offset;
-    Cursor& at = walk.at;
-    if constexpr (row.kind == Kind::Sequence) {
-        if constexpr (isSmall(row.type)) at = smallRecord<row.type, room>(at, length, place, walk.source);
-        else at = direct::record<row.type>(at, length, place, walk.source);
-        return at.p != nullptr;
-    }
+    const uint8_t* octets = walk.p() - length;
     if constexpr (row.pointer) {
         uint8_t* memory;
-        if (!take<room>(memory, at.free, typeOf(row.type).size, walk.source)) return walk.failed();
+        if (!take<room>(memory, walk.free, typeOf(row.type).size, walk.source)) return walk.failed();
         store(place, memory);
         place = memory;
     }
     if constexpr (row.kind == Kind::Int) {
-        // Most are one octet long. To guess that lets the next field begin before this one's length is known.
-        if (length == 1) [[likely]] {
-            *static_cast<AsnInt*>(place) = static_cast<int8_t>(*at.p++);
-        } else {
-            if (length - 1 > 3u) return walk.failed();
-            *static_cast<AsnInt*>(place) = integerAt(at.p, length);
-            at.p += length;
-        }
+        if (length - 1 > 3u) return walk.failed();
+        *static_cast<AsnInt*>(place) = length == 1 ? static_cast<int8_t>(*octets) : integerBefore(walk.p(), length);
+        return true;
     } else if constexpr (row.kind == Kind::Bool) {
-        *static_cast<AsnBool*>(place) = *at.p++ != 0;
-    } else if constexpr (row.kind == Kind::Real) {
-        if (!realAt(at.p, length, static_cast<AsnReal*>(place))) return walk.failed();
-        at.p += length;
-    } else if constexpr (row.kind == Kind::Octs) {
-        at = copyString(at, length, static_cast<AsnOcts*>(place), walk.source);
-    } else if constexpr (row.kind == Kind::Bits) {
-        at = copyBits(at, length, static_cast<AsnBits*>(place), walk.source);
-    } else if constexpr (row.kind == Kind::SetOf) {
-        at = setOf<row.type>(at, length, static_cast<AsnList*>(place), walk.source);
+        *static_cast<AsnBool*>(place) = *octets != 0;
+        return length == 1 ? true : walk.failed();
+    } else {
+        static_assert(row.kind == Kind::Real);
+        return realAt(octets, length, static_cast<AsnReal*>(place)) ? true : walk.failed();
     }
-    return at.p != nullptr;
+}
+
+// A field of one octet or a few, as all numbers have.
+template <TypeId id, std::size_t index, Room room> [[gnu::always_inline]] inline bool numberField(Walk& walk, void* record) {
+    constexpr const Field& row = typeOf(id).fields[index];
+    std::size_t length;
+    if constexpr (tagOctets(row.tag) == 1) {
+        length = walk.head >> 8;
+        // Most are one octet long. To guess that lets the next field begin before this one's length is known.
+        if (length == 1 && (row.kind == Kind::Int || row.kind == Kind::Bool)) [[likely]] {
+            return walk.consume(3) && value<id, index, room>(walk, 1, record);
+        }
+        if (row.kind == Kind::Bool) return walk.failed();
+        if (!walk.consume(2 + length)) return false;
+    } else {
+        if (walk.left > -3) return walk.failed();
+        length = walk.p()[2];
+        if (!walk.consume(3 + length)) return false;
+    }
+    if constexpr (row.wrapped) {
+        // A wrapper that does not end with its INTEGER is the exact way's business.
+        const uint8_t* octets = walk.p() - length;
+        if (length - 3 > 3u || octets[0] != 0x02 || octets[1] != length - 2) return walk.failed();
+        length -= 2;
+    }
+    return value<id, index, room>(walk, length, record);
 }
 
 // A field of CHOICE type, which brings its own tag.
 template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool choiceField(Walk& walk, void* record) {
     constexpr const Field& row = typeOf(id).fields[index];
     uint8_t* memory;
-    if (!take(memory, walk.at.free, typeOf(row.type).size, walk.source)) return walk.failed();
+    if (!take(memory, walk.free, typeOf(row.type).size, walk.source)) return walk.failed();
     store(static_cast<char*>(record) + row.offset, memory);
-    const uint8_t* start = walk.at.p;
-    walk.at = choice<row.type>(walk.at, static_cast<std::size_t>(walk.rest), reinterpret_cast<ChoiceRecord*>(memory), walk.source);
-    if (!walk.at.p) return false;
-    return walk.consume(static_cast<std::size_t>(walk.at.p - start));
+    return walk.moveTo(choice<row.type>(walk.at(), walk.rest(), reinterpret_cast<ChoiceRecord*>(memory), walk.source));
 }
 
 // Behind a field: on to the next tag, or to the end, if it may stand here and nothing is left.
 template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool next(Walk& walk) {
     if constexpr (index + 1 == typeOf(id).fields.size()) return true;
-    if (walk.rest < 2) {
+    if (walk.left > -2) {
         if constexpr (index + 1 >= typeOf(id).tail) return false;
         else return walk.failed();
     }
@@ -308,52 +363,33 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool next(
     return true;
 }
 
-// A field with a tag of its own. The tag of another one leaves an OPTIONAL field absent.
+// A field with a tag of its own. The tag of another one leaves an OPTIONAL field absent, and so does that of a constructed
+// string, which no other field has: that gives up at the latest at the end of the record.
 template <TypeId id, std::size_t index, Room room>
 [[gnu::always_inline]] inline bool taggedField(Walk& walk, void* record) {
     constexpr const Field& row = typeOf(id).fields[index];
-    constexpr std::size_t tagLength = tagOctets(row.tag);
-    constexpr uint32_t tag = row.tag >> 24 | (tagLength == 2 ? row.tag >> 8 & 0xFF00 : 0);
-    // The constructed form of a string matches as well; it is the exact way's business.
-    static_assert(!isString(row.kind) || tagLength == 1);
-    constexpr uint32_t mask = tagLength == 2 ? 0xFFFF : isString(row.kind) ? 0xDF : 0xFF;
-    if ((walk.head & mask) != tag) {
+    constexpr bool longTag = tagOctets(row.tag) == 2;
+    constexpr uint32_t tag = row.tag >> 24 | (longTag ? row.tag >> 8 & 0xFF00 : 0);
+    if ((walk.head & (longTag ? 0xFFFF : 0xFF)) != tag) {
         if constexpr (row.optional) return true;
         else return walk.failed();
     }
-    if constexpr (isString(row.kind)) {
-        if (walk.head & 0x20) [[unlikely]] return walk.failed();
-    }
-
-    std::size_t length;
-    if constexpr (tagLength == 1 && row.kind == Kind::Sequence && isSmall(row.type)) {
-        length = walk.head >> 8;
-        if (length >= 0x80) return walk.failed();
-        walk.at.p += 2;
-        if (!walk.consume(2 + length)) return false;
-    } else if constexpr (isConstructed(row.kind) || isString(row.kind) || tagLength == 2) {
-        Measured measured;
-        if (tagLength == 2 && walk.rest < 3) return walk.failed();
-        const auto behindTag = static_cast<std::size_t>(walk.rest) - tagLength;
-        if (!readLength(walk.at.p + tagLength, behindTag, measured)) return walk.failed();
-        walk.at.p += tagLength + measured.octets;
-        length = measured.length;
-        if (!walk.consume(tagLength + measured.octets + length)) return false;
+    void* place = static_cast<char*>(record) + row.offset;
+    bool taken;
+    if constexpr (row.kind == Kind::Octs) {
+        static_assert(!longTag);
+        taken = stringField<id, index>(walk, static_cast<AsnOcts*>(place));
+    } else if constexpr (row.kind == Kind::Bits || isConstructed(row.kind)) {
+        const std::size_t rest = walk.rest() - tagOctets(row.tag);
+        if (longTag && rest == 0) return walk.failed();
+        const Cursor at{walk.p() + tagOctets(row.tag), walk.free};
+        if constexpr (row.kind == Kind::Bits) taken = walk.moveTo(bits(at, rest, static_cast<AsnBits*>(place), walk.source));
+        else if constexpr (row.kind == Kind::SetOf) taken = walk.moveTo(setOf<row.type>(at, rest, place, walk.source));
+        else taken = walk.moveTo(direct::record<row.type, isSmall(row.type) ? room : Room::tested>(at, rest, place, walk.source));
     } else {
-        length = walk.head >> 8;
-        walk.at.p += 2;
-        if (!walk.consume(2 + length)) return false;
+        taken = numberField<id, index, room>(walk, record);
     }
-    if constexpr (row.kind == Kind::Bool) {
-        if (length != 1) return walk.failed();
-    }
-    if constexpr (row.wrapped) {
-        // A wrapper that does not end with its INTEGER is the exact way's business.
-        if (length - 3 > 3u || walk.at.p[0] != 0x02 || walk.at.p[1] != length - 2) return walk.failed();
-        walk.at.p += 2;
-        length -= 2;
-    }
-    return value<id, index, room>(walk, length, record) && next<id, index>(walk);
+    return taken && next<id, index>(walk);
 }
 
 // One field. False ends the walk: the record may be complete, or the code gave up.
@@ -370,75 +406,121 @@ template <TypeId id, Room room, std::size_t... index>
     static_cast<void>((field<id, index, room>(walk, record) && ...));
 }
 
-template <TypeId id, Room room> Cursor sequence(Cursor at, std::size_t length, void* record, Source& source) {
+// The content of a SEQUENCE.
+template <TypeId id, Room room>
+[[gnu::always_inline]] inline Cursor sequence(Cursor at, std::size_t length, void* record, Source& source) {
     constexpr std::size_t count = typeOf(id).fields.size();
     if constexpr (count > 0) {
         if (length < 2) return typeOf(id).tail == 0 && length == 0 ? at : giveUp(at);
-        Walk walk{at, static_cast<std::ptrdiff_t>(length), source};
+        Walk walk{at.p + length, -static_cast<std::ptrdiff_t>(length), at.free, source};
         walk.readHead();
         fields<id, room>(walk, record, std::make_index_sequence<count>());
-        return walk.rest == 0 ? walk.at : giveUp(walk.at);
+        return {walk.left == 0 ? walk.end : nullptr, walk.free};
     }
     return length == 0 ? at : giveUp(at);
 }
 
-// One alternative, whose tag and length have been read.
-template <TypeId id, std::size_t index>
-Cursor alternative(Cursor at, std::size_t length, ChoiceRecord* record, Source& source) {
-    constexpr const Alternative& row = typeOf(id).alternatives[index];
-    record->choiceId = row.number;
-    if constexpr (row.kind == Kind::Int) {
-        if (length - 1 > 3u) return giveUp(at);
-        record->number = integerAt(at.p, length);
-        return {at.p + length, at.free};
-    } else {
-        uint8_t* memory;
-        if (!take(memory, at.free, typeOf(row.type).size, source)) return giveUp(at);
-        record->slot = memory;
-        if constexpr (row.kind == Kind::Octs) {
-            return copyString(at, length, reinterpret_cast<AsnOcts*>(memory), source);
-        } else if constexpr (row.kind == Kind::Choice) {
-            // The wrapper's own length bounds the inner alternative and is not compared with it.
-            return choice<row.type>(at, length, reinterpret_cast<ChoiceRecord*>(memory), source);
-        } else {
-            return sequence<row.type>(at, length, memory, source);
+// A small record that may not fit into the arena's current block.
+template <TypeId id>
+[[gnu::noinline, gnu::cold]] Cursor smallRecordAcross(Cursor at, void* place, Source& source) {
+    uint8_t* memory;
+    if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
+    store(place, memory);
+    return sequence<id, Room::tested>({at.p + 1, at.free}, *at.p, memory, source);
+}
+
+template <TypeId id, Room room> Cursor record(Cursor at, std::size_t rest, void* place, Source& source) {
+    uint8_t* memory;
+    if constexpr (isSmall(id)) {
+        const std::size_t length = *at.p;
+        if (length >= 0x80 || length >= rest) return giveUp(at);
+        if (room == Room::tested && std::size_t(source.blockEnd - at.free) < smallArena(id)) [[unlikely]] {
+            return smallRecordAcross<id>(at, place, source);
         }
+        take<Room::proved>(memory, at.free, typeOf(id).size, source);
+        store(place, memory);
+        return sequence<id, Room::proved>({at.p + 1, at.free}, length, memory, source);
+    } else {
+        Measured measured;
+        if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
+        if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
+        store(place, memory);
+        return sequence<id, Room::tested>({at.p + measured.octets, at.free}, measured.length, memory, source);
     }
 }
 
-using AlternativeDecoder = Cursor (*)(Cursor at, std::size_t length, ChoiceRecord* record, Source& source);
+// Reads what stands behind the tag of an alternative, in the first of rest octets, into the slot of a CHOICE.
+using AlternativeDecoder = Cursor (*)(Cursor at, std::size_t rest, void* slot, Source& source);
+
+inline Cursor integerAlternative(Cursor at, std::size_t rest, void* slot, Source&) {
+    const std::size_t length = *at.p;
+    if (length - 1 > 3u || length >= rest) return giveUp(at);
+    at.p += 1 + length;
+    store(slot, integerBefore(at.p, length));
+    return at;
+}
+
+inline Cursor stringAlternative(Cursor at, std::size_t rest, void* slot, Source& source) {
+    uint8_t* memory;
+    if (!take(memory, at.free, sizeof(AsnOcts), source)) return giveUp(at);
+    store(slot, memory);
+    return string(at, rest, reinterpret_cast<AsnOcts*>(memory), source);
+}
+
+// The wrapper's own length bounds the inner alternative and is not compared with it.
+template <TypeId id> Cursor wrappedChoice(Cursor at, std::size_t rest, void* slot, Source& source) {
+    uint8_t* memory;
+    if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
+    store(slot, memory);
+    Measured measured;
+    if (!readLength(at.p, rest, measured) || measured.length > rest - measured.octets) return giveUp(at);
+    at.p += measured.octets;
+    return choice<id>(at, measured.length, reinterpret_cast<ChoiceRecord*>(memory), source);
+}
+
+template <TypeId id, Kind kind> constexpr AlternativeDecoder alternativeDecoder() {
+    if constexpr (kind == Kind::Int) return integerAlternative;
+    else if constexpr (kind == Kind::Octs) return stringAlternative;
+    else if constexpr (kind == Kind::Choice) return wrappedChoice<id>;
+    else return record<id>;
+}
+
+// All that has to be known of an alternative in one place, by its number; a hole has no decoder.
+struct NumberedAlternative {
+    AlternativeDecoder decoder = nullptr;
+    AsnTag tag = 0;
+};
 
 template <TypeId id>
-inline constexpr auto alternativeDecoders = []<std::size_t... index>(std::index_sequence<index...>) {
-    return std::array<AlternativeDecoder, sizeof...(index)>{alternative<id, index>...};
+inline constexpr auto alternativesByNumber = []<std::size_t... index>(std::index_sequence<index...>) {
+    constexpr std::span<const Alternative> rows = typeOf(id).alternatives;
+    std::array<NumberedAlternative, typeOf(id).byNumber.size()> table{};
+    ((table[rows[index].number] = {alternativeDecoder<rows[index].type, rows[index].kind>(), rows[index].tag}), ...);
+    return table;
 }(std::make_index_sequence<typeOf(id).alternatives.size()>());
 
-// A CHOICE from its alternative's tag on, inside the next rest octets; it may end before them.
 template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source) {
     if (rest < 4 && (rest < 2 || (*at.p & 0x1F) == 0x1F)) return giveUp(at);
     AsnTag tag = AsnTag{at.p[0]} << 24;
     uint32_t number = at.p[0] & 0x1F;
+    std::size_t octets = 1;
     if (number == 0x1F) {
         tag |= AsnTag{at.p[1]} << 16;
         number = at.p[1] & 0x7F;
+        octets = 2;
         if (at.p[1] & 0x80) {
             tag |= AsnTag{at.p[2]} << 8;
             number = number << 7 | (at.p[2] & 0x7F);
+            octets = 3;
         }
     }
-    constexpr std::span<const int16_t> byNumber = typeOf(id).byNumber;
-    if (number >= byNumber.size() || byNumber[number] < 0) return giveUp(at);
-    const auto index = static_cast<std::size_t>(byNumber[number]);
-    if (typeOf(id).alternatives[index].tag != tag) return giveUp(at);
-    const std::size_t octets = tagOctets(tag);
-    Measured measured;
-    if (!readLength(at.p + octets, rest - octets, measured)) return giveUp(at);
-    if (measured.length > rest - octets - measured.octets) return giveUp(at);
-    at.p += octets + measured.octets;
-    return alternativeDecoders<id>[index](at, measured.length, record, source);
+    constexpr auto& table = alternativesByNumber<id>;
+    if (number >= table.size() || table[number].tag != tag || !table[number].decoder) return giveUp(at);
+    record->choiceId = number;
+    return table[number].decoder({at.p + octets, at.free}, rest - octets, &record->slot, source);
 }
 
-template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void* message) {
+template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message) {
     NibbleBuf* block = currentArena()->currNibbleBuf;
     Source source{buffer, block->end};
     Cursor at{buffer, block->curr};
@@ -446,17 +528,17 @@ template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void
     alignas(void*) unsigned char record[typeOf(id).size] = {};
     if constexpr (typeOf(id).shape == Shape::Sequence) {
         Measured measured;
-        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return false;
-        if (measured.length > length - 1 - measured.octets) return false;
+        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return Outcome::GaveUp;
+        if (measured.length > length - 1 - measured.octets) return Outcome::GaveUp;
         at.p += 1 + measured.octets;
-        at = sequence<id>(at, measured.length, record, source);
+        at = sequence<id, Room::tested>(at, measured.length, record, source);
     } else {
         at = choice<id>(at, length, reinterpret_cast<ChoiceRecord*>(record), source);
     }
     currentArena()->currNibbleBuf->curr = at.free;
-    if (!at.p) return false;
+    if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
     std::memcpy(message, record, sizeof record);
-    return true;
+    return Outcome::Done;
 }
 
 } // namespace zyn::direct

@@ -299,16 +299,18 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
 
 using AlternativeEncoder = uint8_t* (*)(const ChoiceRecord* record, uint8_t* w, uint8_t* begin);
 
+// By number; null in a hole.
 template <TypeId id>
 inline constexpr auto alternativeEncoders = []<std::size_t... index>(std::index_sequence<index...>) {
-    return std::array<AlternativeEncoder, sizeof...(index)>{alternative<id, index>...};
+    std::array<AlternativeEncoder, typeOf(id).byNumber.size()> table{};
+    ((table[typeOf(id).alternatives[index].number] = alternative<id, index>), ...);
+    return table;
 }(std::make_index_sequence<typeOf(id).alternatives.size()>());
 
 template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
-    constexpr std::span<const int16_t> byNumber = typeOf(id).byNumber;
-    const uint32_t number = record->choiceId;
-    if (number >= byNumber.size() || byNumber[number] < 0) return nullptr;
-    return alternativeEncoders<id>[static_cast<std::size_t>(byNumber[number])](record, w, begin);
+    constexpr auto& table = alternativeEncoders<id>;
+    if (record->choiceId >= table.size() || !table[record->choiceId]) return nullptr;
+    return table[record->choiceId](record, w, begin);
 }
 
 template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_t* end) {

@@ -4,6 +4,7 @@
 #include "sbuf/failure.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
+#include "sbuf/wire-form.h"
 #include "zyn/asn.h"
 #include "zyn/codes.h"
 
@@ -41,8 +42,8 @@ void decodeConstructed(SBuf* b, AsnLen len, AsnOcts* result, AsnLen* bytesDecode
 } // namespace
 
 AsnLen BEncAsnOctsContent(SBuf* b, AsnOcts* o) {
-    if (!o->octs && o->octetLen > 0) {
-        b->writeError = 1; // octets are promised and none are there
+    if (!zyn::hasWireForm(*o)) {
+        b->writeError = 1;
         return 0;
     }
     SBufPushSeg(b, o->octs, o->octetLen);

@@ -34,6 +34,17 @@ void freeBlocks(NibbleBuf* block) {
     }
 }
 
+// Zeroes the first used of size bytes. Most messages use little; to clear a fixed number of bytes for them is faster than to
+// find out how many, which no machine can foresee.
+void clear(uint8_t* memory, size_t used, size_t size) {
+    constexpr size_t usual = 512, step = 64;
+    if (used > usual || size < usual) {
+        std::memset(memory, 0, used);
+        return;
+    }
+    for (size_t i = 0; i < usual; i += step) std::memset(memory + i, 0, step);
+}
+
 size_t roomIn(const NibbleBuf* block) { return static_cast<size_t>(block->end - block->curr); }
 
 } // namespace
@@ -78,10 +89,8 @@ void ResetNibbleMem(void) {
     NibbleMem* arena = zyn::currentArena();
     if (!arena) return;
     NibbleBuf* first = arena->firstNibbleBuf;
-    if (first->curr != first->start) {
-        std::memset(first->start, 0, static_cast<size_t>(first->curr - first->start));
-        first->curr = first->start;
-    }
+    clear(first->start, static_cast<size_t>(first->curr - first->start), static_cast<size_t>(first->end - first->start));
+    first->curr = first->start;
     if (first->next) {
         freeBlocks(first->next);
         first->next = nullptr;

@@ -3,9 +3,10 @@
 #include <cctype>
 #include <charconv>
 
+#include "sbuf/state.h"
 #include "sbuf/text-out.h"
 
-unsigned short stdIndentG = 4;
+unsigned short stdIndentG = zyn::usualIndent;
 char numToHexCharTblG[16] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'};
 
 namespace zyn {

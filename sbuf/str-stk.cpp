@@ -9,13 +9,9 @@
 #include "sbuf/state.h"
 #include "zyn/codes.h"
 
-static constexpr StrStk emptyStrStk = {nullptr, 128, 0, 64, 0, 0};
-
-StrStk strStkG = emptyStrStk;
+StrStk strStkG = zyn::emptyStrStk;
 
 namespace zyn {
-
-StringTables stringTables = {};
 
 namespace {
 
@@ -82,15 +78,19 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
     StringTables& tables = currentStringTables();
     AsnLen count = 0;
     std::size_t depth = 0;
+    const uint8_t* previous = nullptr; // primitive component
     for (;;) {
-        const AsnTag tag = BDecTag(b, &count, env);
+        const uint8_t* component = currentFailure().component = b->readLoc;
+        const AsnTag tag = nextTag(b, &count, env);
         bool ended = false;
         if (tag == 0 && length == IndefiniteLen) {
             eocSecondOctet(b, &count, env);
             ended = true;
         } else {
-            const AsnLen componentLength = BDecLen(b, &count, env);
+            const AsnLen componentLength = nextLength(b, &count, env);
             if (tag == rules.primitive) {
+                if (unusedBits != 0) currentFailure().component = previous; // to blame that it is not the last
+                previous = component;
                 takeComponent(b, componentLength, rules, unusedBits, env);
                 count += componentLength;
             } else if (tag != rules.nested) {
@@ -106,6 +106,7 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
         }
         while (ended) {
             if (depth == 0) {
+                currentFailure().component = nullptr;
                 *bytesDecoded += count;
                 return unusedBits;
             }

@@ -39,22 +39,31 @@ inline Decoded decodedContent(TypeId type, AsnTag tag, AsnLen length, const Octe
 // What stands in front of a content on the wire. A CHOICE brings its tag and length along.
 struct Head {
     AsnTag tag = 0;
-    AsnLen length;
+    AsnLen length = 0;
 };
 
-inline Head takeHead(const Type& type, Octets& content) {
-    if (type.shape != Shape::Choice) return {0, static_cast<AsnLen>(content.size())};
-    Head head;
+// Takes the tag and the length of an element from its front. False: there are none.
+inline bool readHead(Octets& octets, Head& head) {
     AsnLen read = 0;
-    SBuf b = readingBuffer(content.data(), content.size());
+    SBuf b = readingBuffer(octets.data(), octets.size());
     const Caught end = caught([&](jmp_buf env) {
         head.tag = BDecTag(&b, &read, env);
         head.length = BDecLen(&b, &read, env);
     });
-    if (end.code != 0) throw std::logic_error("a CHOICE without an alternative");
-    content.erase(content.begin(), content.begin() + read);
+    if (end.code != 0) return false;
+    octets.erase(octets.begin(), octets.begin() + read);
+    return true;
+}
+
+inline Head takeHead(const Type& type, Octets& content) {
+    if (type.shape != Shape::Choice) return {0, static_cast<AsnLen>(content.size())};
+    Head head;
+    if (!readHead(content, head)) throw std::logic_error("a CHOICE without an alternative");
     return head;
 }
+
+// What encodedContent gives when nothing could be encoded.
+inline const Octets notEncoded{0xDE, 0xAD};
 
 inline Octets encodedContent(TypeId type, const void* value, std::size_t room = 1 << 20) {
     static std::vector<uint8_t> block;
@@ -62,7 +71,7 @@ inline Octets encodedContent(TypeId type, const void* value, std::size_t room = 
     SBuf b = writingBuffer(block.data(), room);
     const AsnLen length = encodeContent(&b, type, value);
     Octets octets(b.dataStart, b.dataEnd);
-    return b.writeError || octets.size() != length ? Octets{0xDE, 0xAD} : octets;
+    return b.writeError || octets.size() != length ? notEncoded : octets;
 }
 
 } // namespace zyn::test

@@ -2,27 +2,17 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 #include "api/way.h"
+#include "tests/support/arena.h"
+#include "tests/support/footprint.h"
+#include "tests/support/walk.h"
 
 namespace zyn::test {
 namespace {
 
 constexpr std::size_t guardOctets = 64;
 constexpr uint8_t guard = 0xA5;
-
-NibbleMem* newArena() {
-    NibbleMem* current = nmG;
-    InitNibbleMem(8192, 1024);
-    return std::exchange(nmG, current);
-}
-
-void freeArena(NibbleMem* arena) {
-    NibbleMem* current = std::exchange(nmG, arena);
-    ShutdownNibbleMem();
-    nmG = current;
-}
 
 std::string* reportedTo = nullptr;
 void report(char* text, int) { *reportedTo += text; }
@@ -45,21 +35,13 @@ std::pair<int, std::ptrdiff_t> placeOf(const NibbleMem* arena, uint64_t word) {
 
 using Lists = std::vector<AsnList*>;
 
-// The lists that an encoder walks, as it walks them.
-void collectLists(TypeId id, const void* value, Lists& lists) {
-    const Type& type = typeOf(id);
-    if (!value) return;
-    for (const Field& field : type.fields) collectLists(field.type, valueOf(value, field), lists);
-    if (type.shape == Shape::SetOf) {
-        auto* list = static_cast<AsnList*>(const_cast<void*>(value));
-        lists.push_back(list);
-        for (AsnListNode* n = list->last; n && n->data; n = n->prev)
-            collectLists(type.element, n->data, lists);
-    } else if (type.shape == Shape::Choice) {
-        const auto* choice = static_cast<const ChoiceRecord*>(value);
-        const Alternative* row = alternativeOf(type, choice->choiceId);
-        if (row && row->kind != Kind::Int) collectLists(row->type, choice->slot, lists);
-    }
+// The lists that an encoder walks.
+Lists listsIn(TypeId id, const ChoiceRecord* choice) {
+    Lists lists;
+    forEachValue(id, const_cast<ChoiceRecord*>(choice), [&](TypeId type, void* value) {
+        if (typeOf(type).shape == Shape::SetOf) lists.push_back(static_cast<AsnList*>(value));
+    });
+    return lists;
 }
 
 const AsnListNode* walkedTo(const AsnList* list, const AsnListNode* before) {
@@ -206,10 +188,11 @@ void* TwoWays::decode(const Channel& channel, const Octets& octets) {
     return messages[0];
 }
 
+std::size_t TwoWays::held() const { return std::max(heldByArena(arenas[0]), heldByArena(arenas[1])); }
+
 Octets TwoWays::encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice,
                        uint32_t room) {
-    Lists lists;
-    collectLists(channel.choice, choice, lists);
+    const Lists lists = listsIn(channel.choice, choice);
     Octets result[2];
     std::vector<uint8_t> block;
     for (const bool allowed : {true, false}) {

@@ -48,6 +48,8 @@ public:
 
     // The decoded message, for what it is worth when code is not 0.
     void* decode(const Channel& channel, const Octets& octets);
+    // Bytes that the trees of the last decode hold, those of the way that holds more.
+    std::size_t held() const;
     // The message; empty: the Encode returned 0. user has 12 characters and is looked at on requests only.
     Octets encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice, uint32_t room);
 
