@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
-build_packages=(g++ cmake ninja-build)
+build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
 test_packages=("${build_packages[@]}" libgtest-dev)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
@@ -62,23 +62,54 @@ verb_build() {
     build release
 }
 
-## test [asan]  build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer
+## test [HOW]   build and run all tests; asan: under AddressSanitizer and UndefinedBehaviorSanitizer; tsan: the tests of
+##              threads under ThreadSanitizer; valgrind, i386, s390x: the library's tests under memcheck, as a 32-bit
+##              build, and emulated on a big-endian machine
 verb_test() {
     local preset=${1:-test}
-    [[ $preset == test || $preset == asan ]] || wrong_use "there is no test run '$preset'"
-    set_up "${test_packages[@]}"
+    case $preset in
+    test | asan | tsan) set_up "${test_packages[@]}" ;;
+    valgrind) set_up "${test_packages[@]}" valgrind ;;
+    i386) set_up "${test_packages[@]}" googletest g++-i686-linux-gnu ;;
+    s390x) set_up "${test_packages[@]}" googletest g++-s390x-linux-gnu qemu-user ;;
+    *) wrong_use "there is no test run '$preset'" ;;
+    esac
+    if [[ $preset == valgrind ]]; then
+        build test library-tests
+        memcheck
+        return
+    fi
     build "$preset"
     say "testing, preset $preset"
     ctest --preset "$preset"
 }
 
-## bench        measure beside the peers and the floors and print all figures; with --plot, draw them as well
+# Runs the library's tests with fewer bit patterns; an error or a leak ends it.
+memcheck() {
+    local part
+    for part in sbuf records api thread; do
+        say "memcheck, $part-tests"
+        ZYN_FEW_PATTERNS=1 valgrind --quiet --leak-check=full --error-exitcode=1 "build/test/bin/$part-tests" --gtest_brief
+    done
+}
+
+## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
+##              only count instructions, and compare them with those stored
 verb_bench() {
-    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot or nothing"
+    if [[ ${1:-} == instructions ]]; then
+        set_up "${build_packages[@]}" valgrind
+        build bench zyn-bench-steady
+        say "counting instructions"
+        bench/instructions build/bench
+        return
+    fi
+    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot, instructions or nothing"
     set_up "${bench_packages[@]}"
     build bench
     say "measuring; this takes minutes"
     bench/table build/bench
+    say "measuring JSON"
+    build/bench/bin/zyn-bench-json
     if [[ ${1:-} == --plot ]]; then
         say "drawing docs/performance.svg"
         mkdir -p docs

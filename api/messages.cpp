@@ -12,6 +12,7 @@
 #include "records/exact.h"
 #include "records/octets.h"
 #include "zyn/codes.h"
+#include "zyn/describe.h"
 
 namespace zyn {
 namespace {
@@ -54,12 +55,15 @@ void emptyArena(const NibbleMem& arena) {
 uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
     tellWay(Way::Exact);
     SBuf b = writeBuffer(buffer, bufferLen);
-    if (encodeMessage(&b, id, envelope) == 0 || b.writeError) return nullptr;
-    return b.dataStart;
+    const uint32_t length = encodeMessage(&b, id, envelope);
+    if (length != 0 && !b.writeError) return b.dataStart;
+    explainEncode(id, envelope, length, bufferLen);
+    return nullptr;
 }
 
-template <TypeId id> uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
-    const NibbleMem* arena = setUp();
+template <TypeId id>
+[[gnu::always_inline]] inline uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+    const NibbleMem* arena = begin();
     if (!arena) return 0;
     uint8_t* end = buffer + bufferLen;
     uint8_t* start = mayGoDirect() ? direct::encode<id>(envelope, buffer, end) : nullptr;
@@ -75,23 +79,28 @@ template <TypeId id> uint32_t encodeEnvelope(const void* envelope, uint8_t* buff
 int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope) {
     tellWay(Way::Exact);
     SBuf b = readBuffer(buffer, length);
+    Walk walk = {&b, nullptr};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;
-    decodeMessage(&b, id, envelope, &bytesDecoded, env);
+    currentFailure().walk = &walk;
+    decodeMessage(walk, id, envelope, &bytesDecoded, env);
+    currentFailure().walk = nullptr;
     return 0;
 }
 
 template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t length, void* envelope) {
-    const NibbleMem* arena = setUp();
+    const NibbleMem* arena = begin();
     if (!arena) return ZYN_E_NO_MEMORY;
     emptyArena(*arena);
-    if (mayGoDirect() && direct::decode<id>(buffer, length, envelope)) {
-        tellWay(Way::Direct);
-        return 0;
+    const direct::Outcome outcome = mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
+    if (outcome == direct::Outcome::GaveUp) {
+        ResetNibbleMem();
+        return decodeExact(id, buffer, length, envelope);
     }
-    ResetNibbleMem();
-    return decodeExact(id, buffer, length, envelope);
+    tellWay(Way::Direct);
+    if (outcome == direct::Outcome::Done) [[likely]] return 0;
+    return startFailure(ZYN_E_NO_MEMORY).code;
 }
 
 // The 12 characters that a request's sender gives, without the blanks at their end: what ZynTextStrSet makes of them.
@@ -169,25 +178,53 @@ int32_t ZynQueryReplyDecode(const uint8_t* buffer, uint32_t length, ZynQueryRep*
     return zyn::decodeEnvelope<TypeId::ZynQueryRep>(buffer, length, reply);
 }
 
+uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+    switch (channel) {
+    case ZYN_TRANS_REQUEST: return zyn::encodeEnvelope<TypeId::ZynTransReq>(envelope, buffer, bufferLen);
+    case ZYN_TRANS_REPLY: return zyn::encodeEnvelope<TypeId::ZynTransRep>(envelope, buffer, bufferLen);
+    case ZYN_QUERY_REQUEST: return zyn::encodeEnvelope<TypeId::ZynQueryReq>(envelope, buffer, bufferLen);
+    case ZYN_QUERY_REPLY: return zyn::encodeEnvelope<TypeId::ZynQueryRep>(envelope, buffer, bufferLen);
+    }
+    zyn::startFailure(ZYN_E_NO_ALTERNATIVE);
+    return 0;
+}
+
+int32_t ZynDecode(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope) {
+    switch (channel) {
+    case ZYN_TRANS_REQUEST: return ZynTransRequestDecode(buffer, length, static_cast<ZynTransReq*>(envelope));
+    case ZYN_TRANS_REPLY: return ZynTransReplyDecode(buffer, length, static_cast<ZynTransRep*>(envelope));
+    case ZYN_QUERY_REQUEST: return ZynQueryRequestDecode(buffer, length, static_cast<ZynQueryReq*>(envelope));
+    case ZYN_QUERY_REPLY: return ZynQueryReplyDecode(buffer, length, static_cast<ZynQueryRep*>(envelope));
+    }
+    zyn::startFailure(ZYN_E_NO_ALTERNATIVE);
+    return ZYN_E_NO_ALTERNATIVE;
+}
+
 int ZynTransRequestPrint(void*, ZynTransReq* request) { return zyn::printEnvelope(TypeId::ZynTransReq, request); }
 int ZynQueryRequestPrint(void*, ZynQueryReq* request) { return zyn::printEnvelope(TypeId::ZynQueryReq, request); }
 int ZynTransReplyPrint(void*, ZynTransRep* reply) { return zyn::printEnvelope(TypeId::ZynTransRep, reply); }
 int ZynQueryReplyPrint(void*, ZynQueryRep* reply) { return zyn::printEnvelope(TypeId::ZynQueryRep, reply); }
 
 uint32_t ZynTextStrEncode(AsnOcts* text, uint8_t* buffer, uint32_t bufferLen) {
-    if (!zyn::setUp()) return 0;
+    if (!zyn::begin()) return 0;
     SBuf b = zyn::writeBuffer(buffer, bufferLen);
-    if (BEncAsnOcts(&b, text) == 0 || b.writeError) return 0;
-    return zyn::moveToStart(buffer, b.dataStart, b.dataEnd);
+    const uint32_t length = BEncAsnOcts(&b, text);
+    if (!b.writeError) return zyn::moveToStart(buffer, b.dataStart, b.dataEnd);
+    zyn::explainEncode(TypeId::AsnOcts, text, length, bufferLen);
+    return 0;
 }
 
 int32_t ZynTextStrDecode(const uint8_t* buffer, uint32_t length, AsnOcts* text) {
-    if (!zyn::setUp()) return ZYN_E_NO_MEMORY;
+    if (!zyn::begin()) return ZYN_E_NO_MEMORY;
     SBuf b = zyn::readBuffer(buffer, length);
     ResetNibbleMem();
+    zyn::Step step = zyn::firstStep(&b, TypeId::AsnOcts);
+    zyn::Walk walk = {&b, &step};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;
+    zyn::currentFailure().walk = &walk;
     BDecAsnOcts(&b, text, &bytesDecoded, env);
+    zyn::currentFailure().walk = nullptr;
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "api/setup.h"
 
+#include "zyn/codes.h"
 #include "zyn/messages.h"
 
 namespace zyn {
@@ -10,10 +11,18 @@ constexpr uint32_t laterBlockSize = 1024;
 
 } // namespace
 
-NibbleMem* initialiseApi() {
-    InitNibbleMem(firstBlockSize, laterBlockSize);
+NibbleMem* setUpSlowly() {
+    if (!currentlyInitialised() || !currentArena()) InitNibbleMem(firstBlockSize, laterBlockSize);
     currentlyInitialised() = currentArena() != nullptr;
+    currentlyReady() = currentlyInitialised() && currentFailure().code == 0;
     return currentArena();
+}
+
+NibbleMem* beginSlowly() {
+    currentFailure().code = 0;
+    NibbleMem* arena = setUpSlowly();
+    if (!arena) startFailure(ZYN_E_NO_MEMORY);
+    return arena;
 }
 
 } // namespace zyn

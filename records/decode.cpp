@@ -3,12 +3,16 @@
 // Reading goes forwards, an element at a time, holding one tag that has been read and not yet used. Each function keeps a
 // count of the octets that it consumed and adds it to its caller's when it is done; a record under a definite length
 // is checked by that count alone. A failure leaves all functions at once by a jump to env, so none of them may hold an
-// object with a destructor. The end of the data is the run-time's business: every tag, length and value read is bounded.
+// object with a destructor; the steps on the stack, from the message down to what is being read, tell where that was. The
+// end of the data is the run-time's business: every tag, length and value read is bounded.
+#include <algorithm>
+
 #include "records/exact.h"
 #include "records/members.h"
 #include "records/tables.h"
 #include "sbuf/asn-len.h"
 #include "sbuf/failure.h"
+#include "sbuf/nibble-alloc.h"
 #include "zyn/codes.h"
 
 namespace zyn {
@@ -18,12 +22,45 @@ namespace {
 struct Decoder {
     SBuf* b;
     std::remove_extent_t<jmp_buf>* env;
+    Walk& walk;
 };
+
+// An element of step's record is about to be read whose tag comes next.
+void startElement(Decoder& d, Step& step) { step.element = d.b->readLoc; }
+
+// The same, for field, alternative or list element index.
+void startElement(Decoder& d, Step& step, std::size_t index) {
+    startElement(d, step);
+    step.index = static_cast<uint32_t>(index);
+}
+
+// The end-of-contents marker of a wrapper, and that of a record.
+void decodeEnd(Decoder& d, Step& step, AsnLen* count) {
+    startElement(d, step);
+    BDecEoc(d.b, count, d.env);
+}
+
+void decodeRecordEnd(Decoder& d, Step& step, AsnLen* count) {
+    step.index = noIndex;
+    decodeEnd(d, step, count);
+}
+
+[[noreturn]] void refuseTag(Decoder& d, Step& step, const Type& type, std::size_t field) {
+    step.index = static_cast<uint32_t>(field);
+    raise(d.env, siteCode(type, Site::FieldTag, field), nullptr);
+}
+
+// The last field is behind the end that the record's length gives it, or before it.
+[[noreturn]] void refuseLength(Decoder& d, Step& step, const Type& type, AsnLen length) {
+    step.element = step.content + std::min(std::size_t{length}, std::size_t(d.b->dataEnd - step.content));
+    step.index = noIndex;
+    raise(d.env, siteCode(type, Site::Length), nullptr);
+}
 
 void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded);
 
-void* allocate(Decoder& d, uint32_t size) {
-    void* memory = NibbleAlloc(size);
+[[gnu::always_inline]] inline void* allocate(Decoder& d, uint32_t size) {
+    void* memory = fromArena(size);
     if (!memory) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
     return memory;
 }
@@ -38,12 +75,7 @@ void* allocateValue(Decoder& d, const Type& type) {
 
 // The number is taken out of the tag only to find the row; what counts is that the whole tag is the row's.
 const Alternative* alternativeByTag(const Type& type, AsnTag tag) {
-    uint32_t number = tag >> 24 & 0x1F;
-    if (number == 0x1F) {
-        number = tag >> 16 & 0x7F;
-        if (tagOctets(tag) == 3) number = number << 7 | (tag >> 8 & 0x7F);
-    }
-    const Alternative* alternative = alternativeOf(type, number);
+    const Alternative* alternative = alternativeOf(type, tagNumber(tag));
     if (!alternative) return nullptr;
     const bool constructedString = alternative->kind == Kind::Octs && tag == (alternative->tag | constructedBit);
     return tag == alternative->tag || constructedString ? alternative : nullptr;
@@ -51,10 +83,10 @@ const Alternative* alternativeByTag(const Type& type, AsnTag tag) {
 
 bool accepts(const Field& field, AsnTag tag) {
     if (field.kind == Kind::Choice) return alternativeByTag(typeOf(field.type), tag) != nullptr;
-    return tag == field.tag || (isString(field.kind) && tag == (field.tag | constructedBit));
+    return (tag & field.mask) == field.tag;
 }
 
-void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
+[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
     switch (kind) {
     case Kind::Int: return BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), count, d.env);
     case Kind::Bool: return BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), count, d.env);
@@ -65,14 +97,15 @@ void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, 
     }
 }
 
-void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
+void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
     const Field& field = type.fields[index];
-    AsnLen length = BDecLen(d.b, count, d.env);
+    AsnLen length = nextLength(d.b, count, d.env);
     const AsnLen outerLength = length;
     if (field.wrapped) {
-        tag = BDecTag(d.b, count, d.env);
+        startElement(d, step);
+        tag = nextTag(d.b, count, d.env);
         if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
-        length = BDecLen(d.b, count, d.env);
+        length = nextLength(d.b, count, d.env);
     }
     void* value = memberOf(record, field);
     if (field.pointer) {
@@ -82,13 +115,14 @@ void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, vo
     }
     decodeValue(d, field.kind, field.type, tag, length, value, count);
     // A wrapper of definite length is not compared with what it held.
-    if (field.wrapped && outerLength == IndefiniteLen) BDecEoc(d.b, count, d.env);
+    if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, step, count);
 }
 
 // A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
 // (X.690 8.1.5), whose second octet has then been read as well. Elsewhere 0 is a tag like any other.
-bool atEndOfContents(Decoder& d, AsnTag tag, AsnLen length, AsnLen* count) {
+bool atEndOfContents(Decoder& d, Step& step, AsnTag tag, AsnLen length, AsnLen* count) {
     if (tag != 0 || length != IndefiniteLen) return false;
+    step.index = noIndex;
     eocSecondOctet(d.b, count, d.env);
     return true;
 }
@@ -96,57 +130,62 @@ bool atEndOfContents(Decoder& d, AsnTag tag, AsnLen length, AsnLen* count) {
 // The fields in table order. A tag that an OPTIONAL field does not accept is held for the next field; there is no way
 // back and no skipping of what is unknown. The end of the record is looked for only where it may stand: behind a field
 // that only OPTIONAL ones follow.
-void decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record, AsnLen* bytesDecoded) {
+void decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, void* record, AsnLen* bytesDecoded) {
     AsnLen count = 0;
     const std::size_t fields = type.fields.size();
     if (fields == 0) {
-        if (length == IndefiniteLen) BDecEoc(d.b, &count, d.env);
+        if (length == IndefiniteLen) decodeRecordEnd(d, step, &count);
         else if (length != 0) raise(d.env, siteCode(type, Site::Only), "Expected an empty SEQUENCE\n");
         *bytesDecoded += count;
         return;
     }
     if (type.tail == 0 && length == 0) return;
-    AsnTag tag = BDecTag(d.b, &count, d.env);
-    if (type.tail == 0 && atEndOfContents(d, tag, length, &count)) {
+    startElement(d, step, 0);
+    AsnTag tag = nextTag(d.b, &count, d.env);
+    if (type.tail == 0 && atEndOfContents(d, step, tag, length, &count)) {
         *bytesDecoded += count;
         return;
     }
     for (std::size_t i = 0; i < fields; ++i) {
         const Field& field = type.fields[i];
         if (!accepts(field, tag)) {
-            if (!field.optional) raise(d.env, siteCode(type, Site::FieldTag, i), nullptr);
+            if (!field.optional) refuseTag(d, step, type, i);
             continue;
         }
-        decodeField(d, type, i, tag, record, &count);
+        step.index = static_cast<uint32_t>(i);
+        decodeField(d, step, type, i, tag, record, &count);
         const bool last = i + 1 == fields;
         const bool mayEnd = i + 1 >= type.tail;
         bool ended = false;
         if (last) {
-            if (length == IndefiniteLen) BDecEoc(d.b, &count, d.env);
-            else if (count != length) raise(d.env, siteCode(type, Site::Length), nullptr);
+            if (length == IndefiniteLen) decodeRecordEnd(d, step, &count);
+            else if (count != length) refuseLength(d, step, type, length);
             ended = true;
         } else if (mayEnd && length != IndefiniteLen && count == length) {
             ended = true;
         } else {
-            tag = BDecTag(d.b, &count, d.env);
-            ended = mayEnd && atEndOfContents(d, tag, length, &count);
+            startElement(d, step, i + 1);
+            tag = nextTag(d.b, &count, d.env);
+            ended = mayEnd && atEndOfContents(d, step, tag, length, &count);
         }
         if (ended) {
             *bytesDecoded += count;
             return;
         }
     }
+    step.index = noIndex;
     raise(d.env, siteCode(type, Site::Stray), nullptr);
 }
 
-void decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {
+void decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {
     const Type& element = typeOf(type.element);
     AsnLen count = 0;
     while (length == IndefiniteLen || count < length) {
-        const AsnTag tag = BDecTag(d.b, &count, d.env);
-        if (atEndOfContents(d, tag, length, &count)) break;
+        startElement(d, step, static_cast<std::size_t>(list->count));
+        const AsnTag tag = nextTag(d.b, &count, d.env);
+        if (atEndOfContents(d, step, tag, length, &count)) break;
         if (tag != sequenceTag) raise(d.env, siteCode(type, Site::Only), "Unexpected Tag\n");
-        const AsnLen elementLength = BDecLen(d.b, &count, d.env);
+        const AsnLen elementLength = nextLength(d.b, &count, d.env);
         void* node = AsnListAppend(list);
         if (!node) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
         void* value = allocate(d, element.size);
@@ -156,11 +195,13 @@ void decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list, Asn
     *bytesDecoded += count;
 }
 
-void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice, AsnLen* bytesDecoded) {
+void decodeChoice(Decoder& d, Step& step, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice,
+                  AsnLen* bytesDecoded) {
     const Alternative* alternative = alternativeByTag(type, tag);
     if (!alternative) raise(d.env, siteCode(type, Site::Only), "ERROR - unexpected tag in CHOICE\n");
     AsnLen count = 0;
     choice->choiceId = alternative->number;
+    step.index = static_cast<uint32_t>(alternative - type.alternatives.data());
     if (alternative->kind == Kind::Int) {
         decodeValue(d, Kind::Int, alternative->type, tag, length, &choice->number, &count);
     } else {
@@ -169,10 +210,11 @@ void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, Choic
         if (alternative->kind == Kind::Choice) {
             // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an
             // indefinite length; a definite one is not compared with anything.
-            const AsnTag innerTag = BDecTag(d.b, &count, d.env);
-            const AsnLen innerLength = BDecLen(d.b, &count, d.env);
+            startElement(d, step);
+            const AsnTag innerTag = nextTag(d.b, &count, d.env);
+            const AsnLen innerLength = nextLength(d.b, &count, d.env);
             decodeType(d, typeOf(alternative->type), innerTag, innerLength, value, &count);
-            if (length == IndefiniteLen) BDecEoc(d.b, &count, d.env);
+            if (length == IndefiniteLen) decodeEnd(d, step, &count);
         } else {
             decodeValue(d, alternative->kind, alternative->type, tag, length, value, &count);
         }
@@ -181,29 +223,43 @@ void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, Choic
 }
 
 void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded) {
+    Step* outer = d.walk.top;
+    Step step = {outer, d.b->readLoc, outer->element, length, static_cast<uint16_t>(type.id), noIndex};
+    d.walk.top = &step;
     switch (type.shape) {
-    case Shape::Sequence: return decodeSequence(d, type, length, value, bytesDecoded);
-    case Shape::SetOf: return decodeSetOf(d, type, length, static_cast<AsnList*>(value), bytesDecoded);
-    default: return decodeChoice(d, type, tag, length, static_cast<ChoiceRecord*>(value), bytesDecoded);
+    case Shape::Sequence: decodeSequence(d, step, type, length, value, bytesDecoded); break;
+    case Shape::SetOf: decodeSetOf(d, step, type, length, static_cast<AsnList*>(value), bytesDecoded); break;
+    default: decodeChoice(d, step, type, tag, length, static_cast<ChoiceRecord*>(value), bytesDecoded); break;
     }
+    d.walk.top = outer;
 }
 
 } // namespace
 
 void decodeContent(SBuf* b, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded, jmp_buf env) {
-    Decoder d{b, env};
+    Step first = firstStep(b, type);
+    Walk walk = {b, &first};
+    Decoder d{b, env, walk};
     decodeType(d, typeOf(type), tag, length, value, bytesDecoded);
 }
 
 void decodeMessage(SBuf* b, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
+    Walk walk = {b, nullptr};
+    decodeMessage(walk, id, value, bytesDecoded, env);
+}
+
+void decodeMessage(Walk& walk, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
+    Step first = firstStep(walk.b, id);
+    walk.top = &first;
+    Decoder d{walk.b, env, walk};
     const Type& type = typeOf(id);
-    const AsnTag tag = BDecTag(b, bytesDecoded, env);
+    const AsnTag tag = BDecTag(d.b, bytesDecoded, env);
     if (type.shape == Shape::Sequence && tag != sequenceTag) {
         raise(env, siteCode(type, Site::OuterTag),
               id == TypeId::ZynTransReq ? "BDecZynTransReq: ERROR - wrong tag\n" : "BDecZynQueryReq: ERROR - wrong tag\n");
     }
-    const AsnLen length = BDecLen(b, bytesDecoded, env);
-    decodeContent(b, id, tag, length, value, bytesDecoded, env);
+    const AsnLen length = BDecLen(d.b, bytesDecoded, env);
+    decodeType(d, type, tag, length, value, bytesDecoded);
 }
 
 } // namespace zyn

@@ -3,6 +3,6 @@
 
 namespace zyn::direct {
 
-template bool decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
+template Outcome decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
 
 } // namespace zyn::direct

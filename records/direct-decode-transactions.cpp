@@ -3,7 +3,7 @@
 
 namespace zyn::direct {
 
-template bool decode<TypeId::ZynTransReq>(const uint8_t*, std::size_t, void*);
-template bool decode<TypeId::ZynTransRep>(const uint8_t*, std::size_t, void*);
+template Outcome decode<TypeId::ZynTransReq>(const uint8_t*, std::size_t, void*);
+template Outcome decode<TypeId::ZynTransRep>(const uint8_t*, std::size_t, void*);
 
 } // namespace zyn::direct

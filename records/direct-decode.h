@@ -28,6 +28,7 @@ struct Cursor {
 struct Source {
     const uint8_t* begin; // of the message
     uint8_t* blockEnd;    // of the arena's current block
+    bool refused = false; // memory was
 };
 
 inline Cursor giveUp(Cursor at) { return {nullptr, at.free}; }
@@ -44,6 +45,7 @@ struct Taken {
     auto* memory = static_cast<uint8_t*>(NibbleAlloc(size));
     const NibbleBuf* block = currentArena()->currNibbleBuf;
     source.blockEnd = block->end;
+    source.refused = !memory;
     return {memory, block->curr};
 }
 
@@ -263,13 +265,14 @@ struct Walk {
     [[gnu::always_inline]] void readHead() { head = littleEndian(load<uint16_t>(p())); }
 };
 
-// Whether a word that ends with a value of field index may begin before the message: only what can stand first in a
-// record that stands first in a message is so near to its start.
+// Whether a word that ends with a value of field index may begin before the message. What stands in front of the value has
+// two octets at least, a tag and a length: the record, each required field before this one, and this one.
 constexpr bool mayStandFirst(TypeId id, std::size_t index) {
+    std::size_t octets = 2 + 2;
     for (std::size_t i = 0; i < index; ++i) {
-        if (!typeOf(id).fields[i].optional) return false;
+        if (!typeOf(id).fields[i].optional) octets += 2;
     }
-    return true;
+    return octets < 8;
 }
 
 // A string behind its tag. Most are so short that one word holds them with their 0.
@@ -321,7 +324,8 @@ template <TypeId id, std::size_t index, Room room> [[gnu::always_inline]] inline
     if constexpr (tagOctets(row.tag) == 1) {
         length = walk.head >> 8;
         // Most are one octet long. To guess that lets the next field begin before this one's length is known.
-        if (length == 1 && (row.kind == Kind::Int || row.kind == Kind::Bool)) [[likely]] {
+        constexpr bool mayBeOne = !row.wrapped && (row.kind == Kind::Int || row.kind == Kind::Bool);
+        if (mayBeOne && length == 1) [[likely]] {
             return walk.consume(3) && value<id, index, room>(walk, 1, record);
         }
         if (row.kind == Kind::Bool) return walk.failed();
@@ -517,7 +521,7 @@ template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* re
     return table[number].decoder({at.p + octets, at.free}, rest - octets, &record->slot, source);
 }
 
-template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void* message) {
+template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message) {
     NibbleBuf* block = currentArena()->currNibbleBuf;
     Source source{buffer, block->end};
     Cursor at{buffer, block->curr};
@@ -525,17 +529,17 @@ template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void
     alignas(void*) unsigned char record[typeOf(id).size] = {};
     if constexpr (typeOf(id).shape == Shape::Sequence) {
         Measured measured;
-        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return false;
-        if (measured.length > length - 1 - measured.octets) return false;
+        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return Outcome::GaveUp;
+        if (measured.length > length - 1 - measured.octets) return Outcome::GaveUp;
         at.p += 1 + measured.octets;
         at = sequence<id, Room::tested>(at, measured.length, record, source);
     } else {
         at = choice<id>(at, length, reinterpret_cast<ChoiceRecord*>(record), source);
     }
     currentArena()->currNibbleBuf->curr = at.free;
-    if (!at.p) return false;
+    if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
     std::memcpy(message, record, sizeof record);
-    return true;
+    return Outcome::Done;
 }
 
 } // namespace zyn::direct

@@ -13,18 +13,21 @@
 
 namespace zyn::direct {
 
-// decode reads the message at buffer into *message, a structure of type id. False: gave up. Either way the arena's cursor
-// stands behind all memory that was written, so that a reset clears it. The arena must be set up, and empty.
-template <TypeId id> bool decode(const uint8_t* buffer, std::size_t length, void* message);
+enum class Outcome { Done, GaveUp, NoMemory };
+
+// decode reads the message at buffer into *message, a structure of type id. However it ends, the arena's cursor stands
+// behind all memory that was written, so that a reset clears it. The arena must be set up, and empty. When memory is refused
+// there is nothing to try again: the exact way asks for the same memory at the same octet, and fails.
+template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message);
 
 // encode writes the message of type id backwards from end and returns where it starts, or null: gave up. No octet
 // outside [begin, end) is touched.
 template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_t* end);
 
-extern template bool decode<TypeId::ZynTransReq>(const uint8_t*, std::size_t, void*);
-extern template bool decode<TypeId::ZynQueryReq>(const uint8_t*, std::size_t, void*);
-extern template bool decode<TypeId::ZynTransRep>(const uint8_t*, std::size_t, void*);
-extern template bool decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
+extern template Outcome decode<TypeId::ZynTransReq>(const uint8_t*, std::size_t, void*);
+extern template Outcome decode<TypeId::ZynQueryReq>(const uint8_t*, std::size_t, void*);
+extern template Outcome decode<TypeId::ZynTransRep>(const uint8_t*, std::size_t, void*);
+extern template Outcome decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
 extern template uint8_t* encode<TypeId::ZynTransReq>(const void*, uint8_t*, uint8_t*);
 extern template uint8_t* encode<TypeId::ZynQueryReq>(const void*, uint8_t*, uint8_t*);
 extern template uint8_t* encode<TypeId::ZynTransRep>(const void*, uint8_t*, uint8_t*);

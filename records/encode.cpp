@@ -62,7 +62,7 @@ AsnLen encodeSequence(SBuf* b, const Type& type, const void* record) {
         const void* value = valueOf(record, field);
         if (value || field.kind == Kind::SetOf) {
             total += encodeField(b, field, value); // a null list is an empty one
-        } else if (!field.optional) {
+        } else if (!mayBeNull(field)) {
             b->writeError = 1; // the caller left a required pointer unset: nothing that could be sent
         }
     }
@@ -93,7 +93,7 @@ AsnLen encodeChoice(SBuf* b, const Type& type, const ChoiceRecord* choice) {
         length = encodeValue(b, alternative->kind, alternative->type, choice->slot);
     } else {
         // The slot of an empty record is not read; any other null is an alternative that the caller left unset.
-        if (!typeOf(alternative->type).fields.empty() || alternative->kind != Kind::Sequence) b->writeError = 1;
+        if (!isEmpty(*alternative)) b->writeError = 1;
         length = BEncDefLen(b, 0);
     }
     return length + encodeTag(b, alternative->tag);

@@ -30,6 +30,9 @@ inline const void* valueOf(const void* record, const Field& field) {
     return static_cast<const AsnBits*>(member)->bits ? member : nullptr;
 }
 
+// Whether null is no fault of the caller's: a null list is an empty one, anything else must be OPTIONAL.
+inline bool mayBeNull(const Field& field) { return field.optional || field.kind == Kind::SetOf; }
+
 // The two members that every CHOICE record has, whatever its alternatives are.
 struct ChoiceRecord {
     uint32_t choiceId;

@@ -47,6 +47,13 @@ constexpr AsnTag contextTag(uint32_t number, bool constructed) {
     return first | 0x1F000000 | (0x80 | number >> 7) << 16 | (number & 0x7F) << 8;
 }
 
+// The number in a tag.
+constexpr uint32_t tagNumber(AsnTag tag) {
+    const uint32_t number = tag >> 24 & 0x1F;
+    if (number < 31) return number;
+    return tag & 0x00800000 ? (tag >> 16 & 0x7F) << 7 | (tag >> 8 & 0x7F) : tag >> 16 & 0x7F;
+}
+
 // How many octets of an AsnTag travel: those up to the last one that is not 0, or, in the high-tag form, up to the
 // first without a continuation bit (X.690 8.1.2.4).
 constexpr unsigned tagOctets(AsnTag tag) {
@@ -87,6 +94,7 @@ template <typename Value> consteval Kind kindOf() {
 struct Field {
     const char* name;
     AsnTag tag;      // as it stands on the wire, in primitive form for strings; 0 for a CHOICE
+    AsnTag mask;     // of what a tag on the wire has to have in common with it: a string may be constructed
     TypeId type;
     uint16_t offset; // of the member in the record
     Kind kind;
@@ -118,6 +126,7 @@ struct Type {
     uint16_t size = 0;   // of the structure, in bytes
     int16_t firstCode = 0;
     uint16_t tail = 0;   // index of the first field from which on all are OPTIONAL
+    uint8_t alignment = 0; // of the structure, in bytes
     Shape shape = Shape::Primitive;
     bool message = false; // travels on its own, with tag and length
 };
@@ -140,7 +149,8 @@ consteval Field field(const char* name, std::size_t offset, SchemaTag tag, TypeI
     const AsnTag wire = tag.form == SchemaTag::Form::Universal
                             ? universalTag(type, kind)
                             : contextTag(tag.number, wrapped || isConstructed(kind));
-    return {name, wire, type, static_cast<uint16_t>(offset), kind, optional, wrapped, pointer};
+    const AsnTag mask = isString(kind) ? ~constructedBit : ~AsnTag{0};
+    return {name, wire, mask, type, static_cast<uint16_t>(offset), kind, optional, wrapped, pointer};
 }
 
 template <typename Member, typename Named>
@@ -162,7 +172,7 @@ template <typename Record>
 consteval Type sequence(const char* name, TypeId id, std::span<const Field> fields, bool message) {
     static_assert(std::is_standard_layout_v<Record>);
     return {.name = name, .fields = fields, .id = id, .size = sizeof(Record), .tail = tailOf(fields),
-            .shape = Shape::Sequence, .message = message};
+            .alignment = alignof(Record), .shape = Shape::Sequence, .message = message};
 }
 
 template <typename Record>
@@ -170,7 +180,7 @@ consteval Type choice(const char* name, TypeId id, std::span<const Alternative> 
                       std::span<const int16_t> byNumber, bool message) {
     static_assert(offsetof(Record, slot) == alignof(void*));
     return {.name = name, .alternatives = alternatives, .byNumber = byNumber, .id = id, .size = sizeof(Record),
-            .shape = Shape::Choice, .message = message};
+            .alignment = alignof(Record), .shape = Shape::Choice, .message = message};
 }
 
 // The rows of a CHOICE by number, so that dispatch takes constant time.
@@ -195,7 +205,8 @@ inline constexpr auto numberIndex = [] {
     choice<record>(#record, TypeId::record, record##Alternatives, numberIndex<record##Alternatives>, false)
 #define ZYN_SET_OF(list, of)                                                                                         \
     Type {                                                                                                           \
-        .name = #list, .id = TypeId::list, .element = TypeId::of, .size = sizeof(AsnList), .shape = Shape::SetOf     \
+        .name = #list, .id = TypeId::list, .element = TypeId::of, .size = sizeof(AsnList),                         \
+        .alignment = alignof(AsnList), .shape = Shape::SetOf                                                         \
     }
 #define ZYN_MESSAGE_SEQUENCE(record) sequence<record>(#record, TypeId::record, record##Fields, true)
 #define ZYN_MESSAGE_CHOICE(record)                                                                                   \

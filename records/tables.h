@@ -21,28 +21,31 @@ constexpr int16_t firstSiteCode = -100;
 
 enum class Site { OuterTag, InnerTag, Length, FieldTag, Stray, Only, End };
 
-// Walks the places of a type in order and counts down to the one asked for; field says whose InnerTag or FieldTag.
-// End gives the code behind the last place, where the module's next type starts.
-constexpr int16_t siteCode(const Type& type, Site site, std::size_t field = 0) {
-    int code = type.firstCode;
-    int result = 0;
-    const auto place = [&](Site here, bool matches = true) {
-        if (here == site && matches) result = code;
-        --code;
-    };
+// Calls visit(site, field, code) for the places of a type in order; field is that of an InnerTag or FieldTag, otherwise 0.
+// The last one is End, whose code is the first of the module's next type.
+template <typename Visit> constexpr void eachPlace(const Type& type, Visit visit) {
+    int16_t code = type.firstCode;
+    const auto place = [&](Site site, std::size_t field = 0) { visit(site, field, code--); };
     if (type.fields.empty()) {
         place(Site::Only);
     } else {
         if (type.message) place(Site::OuterTag);
         for (std::size_t i = 0; i < type.fields.size(); ++i) {
-            if (type.fields[i].wrapped) place(Site::InnerTag, i == field);
+            if (type.fields[i].wrapped) place(Site::InnerTag, i);
             if (i + 1 == type.fields.size()) place(Site::Length);
-            if (!type.fields[i].optional) place(Site::FieldTag, i == field);
+            if (!type.fields[i].optional) place(Site::FieldTag, i);
         }
         place(Site::Stray);
     }
     place(Site::End);
-    return static_cast<int16_t>(result);
+}
+
+constexpr int16_t siteCode(const Type& type, Site site, std::size_t field = 0) {
+    int16_t result = 0;
+    eachPlace(type, [&](Site here, std::size_t itsField, int16_t code) {
+        if (here == site && itsField == field) result = code;
+    });
+    return result;
 }
 
 consteval std::array<Type, typeCount> assembleTypes() {
@@ -50,9 +53,11 @@ consteval std::array<Type, typeCount> assembleTypes() {
     constexpr const char* primitives[] = {"AsnInt", "AsnEnum", "AsnBool", "AsnReal", "AsnOcts", "AsnBits"};
     constexpr uint16_t sizes[] = {sizeof(AsnInt), sizeof(AsnInt), sizeof(AsnBool), sizeof(AsnReal), sizeof(AsnOcts),
                                   sizeof(AsnBits)};
+    constexpr uint8_t alignments[] = {alignof(AsnInt), alignof(AsnInt), alignof(AsnBool), alignof(AsnReal),
+                                      alignof(AsnOcts), alignof(AsnBits)};
     std::size_t next = 0;
     for (const char* name : primitives) {
-        all[next] = {.name = name, .id = static_cast<TypeId>(next), .size = sizes[next]};
+        all[next] = {.name = name, .id = static_cast<TypeId>(next), .size = sizes[next], .alignment = alignments[next]};
         ++next;
     }
     for (const Module& module : modules) {
@@ -74,5 +79,8 @@ consteval std::array<Type, typeCount> assembleTypes() {
 inline constexpr std::array<Type, typeCount> types = assembleTypes();
 
 constexpr const Type& typeOf(TypeId id) { return types[static_cast<std::size_t>(id)]; }
+
+// Whether an alternative's record has no fields, so that its slot is not read.
+constexpr bool isEmpty(const Alternative& row) { return row.kind == Kind::Sequence && typeOf(row.type).fields.empty(); }
 
 } // namespace zyn

@@ -4,6 +4,7 @@
 #include "sbuf/failure.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
+#include "sbuf/wire-form.h"
 #include "zyn/asn.h"
 #include "zyn/codes.h"
 
@@ -58,7 +59,7 @@ uint8_t maskOf(uint32_t bit) { return static_cast<uint8_t>(0x80 >> (bit % 8)); }
 } // namespace
 
 AsnLen BEncAsnBitsContent(SBuf* b, AsnBits* bits) {
-    if (bits->bitLen < 0 || (!bits->bits && bits->bitLen > 0)) {
+    if (!zyn::hasWireForm(*bits)) {
         b->writeError = 1;
         return 0;
     }

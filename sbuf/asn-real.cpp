@@ -5,6 +5,7 @@
 
 #include "sbuf/asn-int.h"
 #include "sbuf/failure.h"
+#include "sbuf/wire-form.h"
 #include "zyn/asn.h"
 #include "zyn/codes.h"
 
@@ -69,8 +70,8 @@ AsnLen BEncAsnRealContent(SBuf* b, AsnReal* value) {
         SBufPushByte(b, v == MINUS_INFINITY ? minusInfinityOctet : plusInfinityOctet);
         return 1;
     }
-    if (!std::isfinite(v)) {
-        b->writeError = 1; // has no form on the wire
+    if (!zyn::hasWireForm(v)) {
+        b->writeError = 1;
         return 0;
     }
     const zyn::RealParts parts = zyn::splitReal(v);

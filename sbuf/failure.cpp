@@ -1,10 +1,13 @@
 // The error channel: what went wrong goes out in words through a handler, and as a code by a jump.
 #include "sbuf/failure.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "sbuf/state.h"
+#include "zyn/codes.h"
 
 void Asn1Error(char* str) { zyn::currentErrorHandler()(str, 1); }
 
@@ -20,7 +23,47 @@ Asn1ErrorHandler Asn1InstallErrorHandler(Asn1ErrorHandler handler) {
 
 namespace zyn {
 
+namespace {
+
+// These find the end of the data inside a string, where nothing is read octet by octet.
+bool isCutComponent(int32_t code) { return code == ZYN_E_OCTS_COMPONENT_CUT || code == ZYN_E_BITS_COMPONENT_CUT; }
+
+// Copies what a registered walk tells. It is not registered any more afterwards.
+void keep(int32_t code) {
+    const Walk* walk = std::exchange(currentFailure().walk, nullptr);
+    const uint8_t* component = std::exchange(currentFailure().component, nullptr);
+    if (!walk) return;
+    Failure& failure = startFailure(code);
+    const SBuf& b = *walk->b;
+    const Step& top = *walk->top;
+    const auto offsetOf = [&](const uint8_t* place) { return static_cast<uint32_t>(place - b.dataStart); };
+    const uint8_t* element = component ? component : top.element;
+    failure.atEnd = b.readError || isCutComponent(code);
+    failure.inComponent = component != nullptr;
+    failure.element = offsetOf(element);
+    failure.offset = failure.atEnd ? offsetOf(b.dataEnd) : failure.element;
+    failure.position = offsetOf(b.readLoc);
+    failure.content = offsetOf(top.content);
+    failure.length = top.length;
+    failure.headOctets = static_cast<uint32_t>(std::min(sizeof failure.head, size_t(b.dataEnd - element)));
+    std::copy_n(element, failure.headOctets, failure.head);
+    for (const Step* step = &top; step; step = step->outer) failure.path[failure.pathLength++] = {step->type, step->index};
+    std::reverse(failure.path, failure.path + failure.pathLength);
+}
+
+} // namespace
+
+Failure& startFailure(int32_t code) {
+    currentlyReady() = false;
+    Failure& failure = currentFailure();
+    failure.code = code;
+    failure.pathLength = 0;
+    failure.offset = 0;
+    return failure;
+}
+
 void raise(jmp_buf env, int32_t code, const char* message) {
+    keep(code);
     if (message) {
         MessageText& copy = currentMessage();
         copy = {};

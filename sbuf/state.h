@@ -4,6 +4,7 @@
 
 #include <cstddef>
 
+#include "sbuf/failure.h"
 #include "zyn/asn.h"
 #include "zyn/context.h"
 
@@ -31,9 +32,11 @@ struct MessageText {
 // All that is kept of a context or of the process, but for what the process has as exported variables.
 struct InnerState {
     bool initialised = false; // the arena was made by setUp
+    bool ready = false;       // and no failure is kept, so that a Decode or Encode can begin at once
     StringTables stringTables = {};
     MessageText message = {};
     Asn1ErrorHandler errorHandler = Asn1DefaultErrorHandler;
+    Failure failure = {};
 };
 
 inline constexpr StrStk emptyStrStk = {nullptr, 128, 0, 64, 0, 0};
@@ -55,9 +58,11 @@ struct Bound {
 inline NibbleMem*& currentArena() { return *bound.arena; }
 inline StrStk& currentStrStk() { return *bound.strStk; }
 inline bool& currentlyInitialised() { return bound.inner->initialised; }
+inline bool& currentlyReady() { return bound.inner->ready; }
 inline StringTables& currentStringTables() { return bound.inner->stringTables; }
 inline MessageText& currentMessage() { return bound.inner->message; }
 inline Asn1ErrorHandler& currentErrorHandler() { return bound.inner->errorHandler; }
+inline Failure& currentFailure() { return bound.inner->failure; }
 inline unsigned short currentIndent() { return *bound.indent; }
 
 // Gives back the arena and the tables of constructed strings, as if the process had just started.

@@ -5,6 +5,8 @@
 #include "zyn/asn.h"
 #include "zyn/codes.h"
 #include "zyn/context.h"
+#include "zyn/describe.h"
+#include "zyn/failure.h"
 #include "zyn/messages.h"
 #include "zyn/records.h"
 #include "zyn/values.h"

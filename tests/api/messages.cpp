@@ -1,45 +1,18 @@
-// The entry points: whole messages, what a call does to the arena, and memory that is refused.
+// The entry points: whole messages, and what a call does to the arena.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <limits>
 
 #include "api/way.h"
 #include "tests/support/hex.h"
 #include "zyn/zyn.h"
 
-// The test executable routes the library's allocations through here (linker option --wrap).
-extern "C" {
-void* __real_malloc(size_t);
-void* __real_calloc(size_t, size_t);
-void* __real_realloc(void*, size_t);
-}
-
 namespace {
-
-int allocationsBeforeRefusal = -1; // -1: none is refused
-bool refuseAllAfter = false;
-
-bool refuses() {
-    if (allocationsBeforeRefusal < 0) return false;
-    if (allocationsBeforeRefusal == 0) {
-        if (!refuseAllAfter) allocationsBeforeRefusal = -1;
-        return true;
-    }
-    --allocationsBeforeRefusal;
-    return false;
-}
-
-int errorsReported = 0;
-void countError(char*, int) { ++errorsReported; }
 
 class Messages : public testing::Test {
 protected:
     void SetUp() override {
-        errorsReported = 0;
-        previous = Asn1InstallErrorHandler(countError);
+        previous = Asn1InstallErrorHandler([](char*, int) {});
         ZynEncodeMemReset();
     }
     void TearDown() override {
@@ -188,73 +161,4 @@ TEST_F(Messages, InfinitiesGoOutAsTheVariablesSay) {
     MINUS_INFINITY = minus;
 }
 
-// Every kind of allocation there is, in one go; true if all of it went well.
-bool useEverything() {
-    bool good = true;
-    AsnList* list = ZynListNew();
-    if (list) {
-        for (int i = 0; i < 200; ++i) {
-            const AsnList before = *list;
-            if (ZynListAppend(list, 64)) continue;
-            good = false;
-            EXPECT_EQ(list->count, before.count);
-            EXPECT_EQ(list->last, before.last);
-            if (list->last) { EXPECT_EQ(list->last->next, nullptr); }
-        }
-    }
-    good = good && list;
-    AsnFixedReal price;
-    ZynFixedRealSetWithDecimals(&price, 1.5, 2);
-    EXPECT_EQ(price.decimals == nullptr, std::isnan(price.value)) << "no price turns silently into another";
-    good = good && price.decimals;
-
-    // A string in 200 pieces, one of 5,000 octets, and a list: the string stack and later blocks.
-    std::string pieces = "30 82 17 A1 04 02 55 31 BF 83 47 82 17 97 24 80";
-    std::string cut;
-    for (int i = 0; i < 200; ++i) cut += " 04 01 41";
-    const auto text = hex("24 80" + cut + " 00 00");
-    AsnOcts decoded;
-    const int32_t code = ZynTextStrDecode(text.data(), static_cast<uint32_t>(text.size()), &decoded);
-    EXPECT_TRUE(code == 0 || code == ZYN_E_NO_MEMORY) << code;
-    good = good && code == 0;
-
-    std::vector<uint8_t> large = hex("B2 82 4E 24 04 82 4E 20");
-    large.resize(large.size() + 20000, 'x');
-    for (const bool direct : {true, false}) {
-        zyn::directAllowed = direct;
-        ZynTransRep reply;
-        const int32_t result = ZynTransReplyDecode(large.data(), static_cast<uint32_t>(large.size()), &reply);
-        EXPECT_TRUE(result == 0 || result == ZYN_E_NO_MEMORY) << result;
-        good = good && result == 0;
-        uint8_t out[8];
-        const uint32_t length = ZynTransReplyEncode(nullptr, 0, out, sizeof out);
-        EXPECT_TRUE(length == 0 || length == 2);
-        good = good && length == 2;
-    }
-    return good;
-}
-
-TEST_F(Messages, RefusedMemoryFailsThatCallAndNoOther) {
-    for (const bool all : {false, true}) {
-        bool done = false;
-        for (int n = 0; !done; ++n) {
-            ASSERT_LT(n, 500) << "the sequence must come to an end without a refusal";
-            ZynShutdown();
-            refuseAllAfter = all;
-            allocationsBeforeRefusal = n;
-            const bool good = useEverything();
-            done = allocationsBeforeRefusal > 0 || (n > 0 && good);
-            allocationsBeforeRefusal = -1;
-            EXPECT_TRUE(useEverything()) << "memory is back after refusal " << n;
-        }
-    }
-    EXPECT_EQ(errorsReported, 0) << "refused memory is no message's fault";
-}
-
 } // namespace
-
-extern "C" {
-void* __wrap_malloc(size_t size) { return refuses() ? nullptr : __real_malloc(size); }
-void* __wrap_calloc(size_t count, size_t size) { return refuses() ? nullptr : __real_calloc(count, size); }
-void* __wrap_realloc(void* block, size_t size) { return refuses() ? nullptr : __real_realloc(block, size); }
-}

@@ -1,0 +1,3 @@
+#include "zyn/describe.h"
+
+const char* ZynVersion(void) { return ZYN_VERSION; }
