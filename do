@@ -96,23 +96,25 @@ memcheck() {
 }
 
 ## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
-##              only count instructions, and compare them with those stored
+##              count instructions and compare them with those stored; worst: the worst messages; threads: two of them
 verb_bench() {
-    if [[ ${1:-} == instructions ]]; then
-        set_up "${build_packages[@]}" valgrind
-        build bench zyn-bench-steady
-        say "counting instructions"
-        bench/instructions build/bench
+    local how=${1:-}
+    [[ $how =~ ^(|--plot|instructions|worst|threads)$ ]] ||
+        wrong_use "bench takes --plot, instructions, worst, threads or nothing"
+    if [[ $how =~ ^[iwt] ]]; then
+        set_up "${build_packages[@]}" libbenchmark-dev valgrind
+        build bench "zyn-bench-${how/instructions/steady}"
+        say "measuring"
+        if [[ $how == instructions ]]; then bench/instructions build/bench; else "build/bench/bin/zyn-bench-$how"; fi
         return
     fi
-    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot, instructions or nothing"
     set_up "${bench_packages[@]}"
     build bench
     say "measuring; this takes minutes"
     bench/table build/bench
     say "measuring JSON"
     build/bench/bin/zyn-bench-json
-    if [[ ${1:-} == --plot ]]; then
+    if [[ $how == --plot ]]; then
         say "drawing docs/performance.svg"
         mkdir -p docs
         build/bench/bin/zyn-bench-plot build/bench/figures.csv docs/performance.svg
@@ -137,6 +139,21 @@ verb_fuzz() {
     say "fuzzing"
     fuzz/run build/fuzz "$1"
 }
+
+## lint         check the form of all code by clang-format, and library, tools and examples by clang-tidy
+verb_lint() {
+    set_up "${build_packages[@]}" clang-format clang-tidy
+    build release
+    say "clang-format"
+    written_code '*.c' '*.cpp' '*.h' '*.hpp' | xargs clang-format --dry-run -Werror
+    say "clang-tidy"
+    # The templates of the direct way are seen by the compiler's own warnings only; one file of them takes a minute here.
+    written_code 'sbuf/*.cpp' 'records/*.cpp' 'api/*.cpp' 'describe/*.cpp' 'json/*.cpp' 'tools/**.cpp' 'examples/**.c' 'examples/**.cpp' |
+        grep -v '^records/direct-' | xargs -P2 -n3 clang-tidy -p build/release --quiet
+}
+
+# The files among those named that people write.
+written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
 
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
