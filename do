@@ -10,6 +10,8 @@ fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
 
+interop_packages=("${test_packages[@]}" asn1c erlang-asn1)
+
 say() { printf '== %s\n' "$*"; }
 
 wrong_use() {
@@ -109,27 +111,39 @@ verb_coverage() {
 }
 
 ## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
-##              only count instructions, and compare them with those stored
+##              count instructions and compare them with those stored; worst: the worst messages; threads: two of them
 verb_bench() {
-    if [[ ${1:-} == instructions ]]; then
-        set_up "${build_packages[@]}" valgrind
-        build bench zyn-bench-steady
-        say "counting instructions"
-        bench/instructions build/bench
+    local how=${1:-}
+    [[ $how =~ ^(|--plot|instructions|worst|threads)$ ]] ||
+        wrong_use "bench takes --plot, instructions, worst, threads or nothing"
+    if [[ $how =~ ^[iwt] ]]; then
+        set_up "${build_packages[@]}" libbenchmark-dev valgrind
+        build bench "zyn-bench-${how/instructions/steady}"
+        say "measuring"
+        if [[ $how == instructions ]]; then bench/instructions build/bench; else "build/bench/bin/zyn-bench-$how"; fi
         return
     fi
-    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot, instructions or nothing"
     set_up "${bench_packages[@]}"
     build bench
     say "measuring; this takes minutes"
     bench/table build/bench
     say "measuring JSON"
     build/bench/bin/zyn-bench-json
-    if [[ ${1:-} == --plot ]]; then
+    if [[ $how == --plot ]]; then
         say "drawing docs/performance.svg"
         mkdir -p docs
         build/bench/bin/zyn-bench-plot build/bench/figures.csv docs/performance.svg
     fi
+}
+
+## interop [N] exchange messages with two general ASN.1 compilers, N of each alternative, and compare all values
+verb_interop() {
+    local count=${1:-60}
+    [[ $count =~ ^[1-9][0-9]*$ ]] || wrong_use "interop takes a number of messages"
+    set_up "${interop_packages[@]}"
+    build test interop
+    say "exchanging messages, $count of each alternative, as many in other forms and as many damaged ones"
+    interop/run build/test/bin build/test/interop "$count"
 }
 
 ## fuzz SECONDS run all fuzz targets side by side for about so long in all; --store: make fuzz/corpus anew
@@ -141,13 +155,28 @@ verb_fuzz() {
     fuzz/run build/fuzz "$1"
 }
 
+## lint         check the form of all code by clang-format, and library, tools and examples by clang-tidy
+verb_lint() {
+    set_up "${build_packages[@]}" clang-format clang-tidy
+    build release
+    say "clang-format"
+    written_code '*.c' '*.cpp' '*.h' '*.hpp' | xargs clang-format --dry-run -Werror
+    say "clang-tidy"
+    # The templates of the direct way are seen by the compiler's own warnings only; one file of them takes a minute here.
+    written_code 'sbuf/*.cpp' 'records/*.cpp' 'api/*.cpp' 'describe/*.cpp' 'json/*.cpp' 'tools/**.cpp' 'examples/**.c' 'examples/**.cpp' |
+        grep -v '^records/direct-' | xargs -P2 -n3 clang-tidy -p build/release --quiet
+}
+
+# The files among those named that people write.
+written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
+
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
     set_up "${build_packages[@]}"
     build release zyn-schema
-    say "writing include/zyn/records, include/zyn/records.h, records/generated and tests/golden/schema.txt"
+    say "writing include/zyn/records, include/zyn/records.h, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
     build/release/bin/zyn-schema --headers include/zyn/records --rows records/generated \
-        --dump tests/golden/schema.txt records/*.asn1
+        --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
 }
 
 ## clean        remove all that was built
@@ -164,6 +193,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb == test || $verb == bench || $verb == fuzz ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ $verb =~ ^(test|bench|fuzz|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"
