@@ -22,14 +22,6 @@ def run(command, text=None):
     return done.stdout
 
 
-def tag_octets_title(octets, constructed_string):
-    """The octets of a tag as they travel, and behind a bar as a string in pieces opens."""
-    spaced = " ".join(octets[i:i + 2] for i in range(0, len(octets), 2))
-    if not constructed_string:
-        return spaced
-    return f"{spaced} | {int(octets[:2], 16) | 0x20:02X}{spaced[2:]}"
-
-
 class Member:
     """A field of a SEQUENCE or an alternative of a CHOICE."""
 
@@ -45,8 +37,12 @@ class Member:
         self.behind = remarks.get("behind", "")
 
     def octets_title(self):
-        string = self.type.kind in ("OCTET STRING", "BIT STRING") and not self.explicit
-        return tag_octets_title(self.octets, string) if self.octets else "that of its alternative"
+        """The octets of the tag, and behind a bar how a string opens that comes in pieces."""
+        if not self.octets:
+            return "that of its alternative"
+        if self.type.kind not in ("OCTET STRING", "BIT STRING") or self.explicit:
+            return self.octets
+        return f"{self.octets} | {int(self.octets[:2], 16) | 0x20:02X}{self.octets[2:]}"
 
 
 class Type:
@@ -65,6 +61,7 @@ class Type:
         self.used_by = []  # (type, how it names this one)
         self.messages = []  # those whose record this is
         self.carriers = []  # those that have it anywhere below
+        self.envelope = None  # the page of the channel that it is the envelope of, or the choice in that
 
     @property
     def primitive(self):
@@ -131,7 +128,8 @@ class Schema:
 
     def _carry(self):
         self.messages = []
-        for channel in CHANNELS:
+        for channel, (page, envelope, _) in CHANNELS.items():
+            self.types[envelope].envelope = self.choice(channel)[0].envelope = page
             for member in self.choice(channel)[0].members:
                 message = Message(channel, member)
                 self.messages.append(message)
