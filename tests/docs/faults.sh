@@ -50,10 +50,11 @@ page 'a record without a word on it' records/ZynFirmReq.html 's/<div class="lead
     'it is not said what the type is for'
 page 'an alternative left out' channels/queries.html '/id="query-reply-orderRep"/d' 'no row for query-reply 285, orderRep'
 page 'an alternative of another number' channels/queries.html '/id="query-reply-firmRep"/s/>266</>265</' 'no row for query-reply 266, firmRep'
-page 'a code of another meaning' records/ZynOrderRep.html '/id="code-[0-9]+"/s/required/optional/' 'is not told as the library does'
+page 'a code of another meaning' records/ZynOrderRep.html '/id="code-[0-9]+"/s/required/optional/' \
+    'code -125 is not told as the library does'
 page 'no link back' records/ZynOrderTransfer.html 's/records\/ZynTransReqChoice.html//' 'no link to ZynTransReqChoice.orderTransfer'
 page 'an octet turned' records/ZynOrderWithdraw.html 's/data-octets="30/data-octets="31/' 'the octets do not decode to the JSON'
-page 'other octets shown' records/ZynQuoteRep.html 's/<pre class="octets">BF/<pre class="octets">BE/' \
+page 'other octets shown' records/ZynQuoteRep.html 's/(<pre class="octets">(<mark>)?)BF/\1BE/' \
     'the octets shown are not those of the example'
 page 'another value in the JSON' records/ZynQuoteAdd.html '/<pre class="json">/,/<\/pre>/s/(: )[0-9]+/\179/' 'the octets do not decode to the JSON'
 page 'an element left out of the tree' records/ZynSecOptBoardId.html '/<tr.*data-from.*>secCode</d' 'the tree has'
