@@ -80,7 +80,7 @@ source
 fault "$work/source" 'a type that the modules do not have' records/Order.asn1 's/ZynOrderEntry/ZynOrderInput/' ZynOrderEntry
 named make "$work/source" "$work/made"
 source
-fault "$work/source" 'a page of the guide left out' docs/guide/README.md '$s/$/\n[Nowhere](no-page.md)/' docs/guide/no-page.md
+fault "$work/source" 'a page of the guide left out' docs/guide/README.md '$s/$/\n- [Nowhere](no-page.md): nothing/' docs/guide/no-page.md
 named make "$work/source" "$work/made"
 ((failed == 0)) && echo 'every fault was noticed'
 exit $failed

@@ -15,18 +15,22 @@ class Page:
         self.title = re.search(r"^# (.+)$", self.text, re.M)[1]
         stem = Path(path).stem
         self.url = "guide/index.html" if stem == "README" else f"guide/{stem}.html"
+        self.about = ""  # a line
 
 
 def pages(source):
     """The pages in their order."""
     opening = Page(source, "docs/guide/README.md")
+    opening.about = re.search(r"^(?!#)(\w.*?\.)(?:\s|$)", opening.text, re.M)[1]
     found = [opening]
-    linked = [normpath(f"docs/guide/{name}") for name in re.findall(r"\]\(([\w./-]+\.md)\)", opening.text)]
+    listed = re.findall(r"^- \[[^\]]*\]\(([\w./-]+\.md)\): (.*)$", opening.text, re.M)
+    about = {normpath(f"docs/guide/{name}"): text for name, text in listed}
     others = [f"docs/guide/{path.name}" for path in sorted(Path(source, "docs/guide").glob("*.md"))]
     others += [f"docs/{path.name}" for path in sorted(Path(source, "docs").glob("*.md"))]
-    for path in dict.fromkeys(linked + others):
+    for path in dict.fromkeys([*about, *others]):
         if path != opening.path:
             found.append(Page(source, path))
+            found[-1].about = about.get(path, "")
     return found
 
 

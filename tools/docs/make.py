@@ -140,7 +140,7 @@ class Site:
     def home(self):
         readme = Path(self.source, "README.md").read_text()
         about = " ".join(readme.split("\n\n")[1].split())
-        cards = [{"url": page.url, "title": page.title, "text": summary(page)} for page in self.guide]
+        cards = [{"url": page.url, "title": page.title, "text": page.about} for page in self.guide]
         cards += [
             {"url": "channels/transactions.html", "title": "Transactions", "text": "All that can be asked to be done, by number."},
             {"url": "channels/queries.html", "title": "Queries", "text": "All that can be asked for, by number."},
@@ -162,12 +162,6 @@ class Site:
             f"const zynEntries = {entries};\nconst zynTypes = {dump([type.name for type in types])};\nconst zynFields = {dump(fields)};\n")
         for name in ("style.css", "site.js"):
             shutil.copyfile(HERE / name, self.out / name)
-
-
-def summary(page):
-    """The first paragraph of a page, its first sentence, without marks."""
-    paragraph = next(one for one in page.text.split("\n\n") if one.strip() and not one.startswith(("#", "!", "```")))
-    return re.sub(r"\[([^\]]*)\]\([^)]*\)|[`*]", r"\1", text.first_sentence(" ".join(paragraph.split())))
 
 
 def member_anchor(type, name):
