@@ -41,18 +41,22 @@ class Renderer:
         self.source, self.out, self.urls, self.linker = Path(source), Path(out), urls, linker
 
     def body(self, page):
-        text = re.sub(r"^```(\w+)\n(.*?)^```$", self._block, page.text, flags=re.M | re.S)
-        html = markdown.markdown(text, extensions=["tables", "toc", "sane_lists", "md_in_html"])
+        blocks = []  # which Markdown does not look into
+
+        def aside(found):
+            blocks.append(self._block(found))
+            return f"\n\nBLOCK{len(blocks) - 1}BLOCK\n\n"
+        text = re.sub(r"^```(\w+)\n(.*?)^```$", aside, page.text, flags=re.M | re.S)
+        html = markdown.markdown(text, extensions=["tables", "toc", "sane_lists"])
         html = re.sub(r"<code>(\w+)</code>", self._name, html)
         html = re.sub(r'<p>(<img [^>]*>)</p>', r"<figure>\1</figure>", html)
         html = re.sub(r'<img alt="([^"]*)" src="([^"]+)" ?/?>', lambda found: self._picture(page, found), html)
         html = re.sub(r'<a href="([^"]+)">(.*?)</a>', lambda found: self._link(page, found), html, flags=re.S)
         html = re.sub(r"<table>(.*?)</table>", r'<div class="scroll"><table>\1</table></div>', html, flags=re.S)
-        return Markup(html)
+        return Markup(re.sub(r"<p>BLOCK(\d+)BLOCK</p>", lambda found: blocks[int(found[1])], html))
 
     def _block(self, found):
         language, code = found[1], found[2]
-        # Empty lines would end the block for Markdown.
         colours = {"c": "c", "cpp": "cpp", "cmake": "cmake", "sh": "sh", "python": "python", "json": "json"}
         if language in colours:
             html = str(self.linker.code(code, colours[language]))
@@ -60,7 +64,7 @@ class Renderer:
             html = code.rstrip("\n").replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
         if language == "console":
             html = re.sub(r"^(\$|&gt;) (.*)$", r"<b>\1 \2</b>", html, flags=re.M)
-        return f'<pre class="{language}">' + html.replace("\n\n", "\n&#8203;\n") + "</pre>"
+        return f'<pre class="code-{language}">' + html + "</pre>"
 
     def _name(self, found):
         href = self.linker.href(found[1])

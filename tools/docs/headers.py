@@ -25,7 +25,24 @@ def paragraphs(comment):
     """Paragraphs of a comment: (text, whether its columns are to be kept)."""
     lines = [re.sub(r"^\s*(?:///?|\*)? ?", "", line).rstrip() for line in comment.strip("\n").split("\n")]
     blocks = "\n".join(lines).strip().split("\n\n")
-    return [(block, bool(re.search(r"\S {3,}\S", block))) for block in blocks if block.strip()]
+    out = []
+    for block in blocks:
+        if re.search(r"\S {3,}\S", block):
+            out.append((block, True))
+        elif block.strip():
+            out += [(part, False) for part in parted(block)]
+    return out
+
+
+def parted(block):
+    """Parts a block where its writer did: a line ends although the next word would have fitted."""
+    lines, parts = block.split("\n"), [""]
+    longest = max(map(len, lines))
+    for line, following in zip(lines, lines[1:] + [""]):
+        parts[-1] += (" " if parts[-1] else "") + line
+        if following and line.endswith((".", ":", ";")) and len(line) + 1 + len(following.split()[0]) + 8 < longest:
+            parts.append("")
+    return parts
 
 
 def symbols(code):

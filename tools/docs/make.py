@@ -70,7 +70,7 @@ class Site:
         environment.filters |= {
             "link_types": linker.text, "link_paragraphs": linker.paragraphs, "doc": linker.doc, "c_code": linker.code,
             "summary": lambda type: text.first_sentence(self.comment(type)), "first_sentence": text.first_sentence,
-            "member_anchor": member_anchor,
+            "purpose": lambda type: text.purpose(self.comment(type)), "member_anchor": member_anchor,
         }
         return environment
 

@@ -14,6 +14,11 @@ def first_sentence(text):
     return re.split(r"(?<=[.])\s", text, maxsplit=1)[0] if text else ""
 
 
+def purpose(text):
+    """The first sentence of a record's comment without the message that it is, where that stands beside it."""
+    return re.sub(r": (?:transaction|query)(?: reply)? \d+, \w+\.$", ".", first_sentence(text))
+
+
 class Linker:
     """names: what is linked, to its page and anchor."""
 
@@ -91,7 +96,7 @@ def json_text(value, own):
 def json_lines(value, own, path, depth):
     text = json.dumps(value, ensure_ascii=False)
     leads = len(path) < len(own) and own[:len(path)] == path
-    if isinstance(value, (dict, list)) and value and (leads or len(text) + 2 * depth > 44):
+    if isinstance(value, (dict, list)) and value and (leads or len(text) + 2 * depth > 38):
         pad = "  " * (depth + 1)
         lines = []
         for key, one in value.items() if isinstance(value, dict) else enumerate(value):
