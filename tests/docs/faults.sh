@@ -58,6 +58,8 @@ page 'other octets shown' records/ZynQuoteRep.html 's/(<pre class="octets">(<mar
     'the octets shown are not those of the example'
 page 'another value in the JSON' records/ZynQuoteAdd.html '/<pre class="json">/,/<\/pre>/s/(: )[0-9]+/\179/' 'the octets do not decode to the JSON'
 page 'an element left out of the tree' records/ZynSecOptBoardId.html '/<tr.*data-from.*>secCode</d' 'the tree has'
+page 'an example of another type' records/ZynFirmReq.html '/<pre class="json">/,/<\/pre>/{s/<mark>//;s/<\/mark>//}' \
+    'what is highlighted in the JSON is not of the type'
 page 'an example left out' records/ZynRoleRep.html 's/class="example"/class="exempt"/' 'there is no example'
 rm "$work/site/records/ZynNegDeal.html"
 whats+=('a page left out') says+=('records/ZynNegDeal.html: there is no page for the type')
