@@ -5,7 +5,8 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
-test_packages=("${build_packages[@]}" libgtest-dev)
+docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
+test_packages=("${docs_packages[@]}" libgtest-dev)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
@@ -154,6 +155,18 @@ verb_lint() {
 
 # The files among those named that people write.
 written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
+
+## docs         make the reference and the guide as a site in build/docs, to be read there, and check it
+verb_docs() {
+    set_up "${docs_packages[@]}"
+    build release zyn-tool
+    build release zyn-schema
+    say "writing build/docs"
+    local start=$SECONDS bin=build/release/bin
+    /usr/bin/python3 -B tools/docs/make.py --tool $bin/zyn --compiler $bin/zyn-schema --source . --out build/docs
+    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --site build/docs
+    say "open build/docs/index.html; made in $((SECONDS - start)) s"
+}
 
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
