@@ -51,10 +51,11 @@ endforeach()
 
 # The tool, and what comes out of it (tools/zyn).
 if(TARGET zyn-tool)
+  set(ZYN_ZSH_FOLDER zsh/site-functions CACHE STRING "Where completions for zsh go, below share/")
   set(pages ${PROJECT_BINARY_DIR}/tools/zyn)
   install(TARGETS zyn-tool COMPONENT tools)
   install(FILES ${pages}/zyn.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES ${pages}/zyn.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zyn COMPONENT tools)
-  install(FILES ${pages}/_zyn DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
+  install(FILES ${pages}/_zyn DESTINATION ${CMAKE_INSTALL_DATADIR}/${ZYN_ZSH_FOLDER} COMPONENT tools)
   install(FILES ${pages}/zyn.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)
 endif()
