@@ -6,7 +6,8 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
 docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
-test_packages=("${docs_packages[@]}" libgtest-dev)
+test_packages=("${docs_packages[@]}" libgtest-dev pkg-config)
+package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
@@ -177,6 +178,26 @@ verb_generate() {
         --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
 }
 
+## package [root]  make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
+##              Debian 12
+verb_package() {
+    [[ ${1:-root} == root ]] || wrong_use "package takes root or nothing"
+    set_up "${package_packages[@]}" ${1:+debootstrap}
+    build package
+    say "packing"
+    rm -rf build/packages
+    cpack --config build/package/CPackConfig.cmake -B build/packages
+    cpack --config build/package/CPackSourceConfig.cmake -B build/packages
+    rm -r build/packages/_CPack_Packages
+    ls -l build/packages
+    if [[ -n ${1:-} ]]; then
+        say "trying the packages in a clean root"
+        local root=()
+        ((EUID == 0)) || root=(sudo -n)
+        "${root[@]}" bash tests/packaging/root.sh build/packages
+    fi
+}
+
 ## clean        remove all that was built
 verb_clean() {
     say "removing build/"
@@ -191,6 +212,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb =~ ^(test|bench|fuzz|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ $verb =~ ^(test|bench|fuzz|interop|package|abi|mutate)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"
