@@ -205,7 +205,9 @@ std::vector<Attack> attacks() {
 
 std::vector<Claim> claims() {
     std::vector<Claim> all;
+    constexpr std::size_t longest = 256; // octets; what is longer takes its time for what it has, not for what it claims
     const auto add = [&](const std::string& name, Decode decode, const Octets& octets) {
+        if (octets.size() > longest) return;
         Elements message = parse(octets);
         forEachElement(message, [&](Element& element) {
             for (const uint32_t claim : {0x40000000u, 0x7FFFFFFFu, 0xFFFFFFFEu, 0xFFFFFFFFu}) {

@@ -109,7 +109,7 @@ void Figures::ReportRuns(const std::vector<Run>& runs) {
     if (times.empty()) return;
     std::sort(times.begin(), times.end());
     const double median = quantile(times, 0.5);
-    figures[name] = {median, (quantile(times, 0.75) - quantile(times, 0.25)) / median, octets};
+    figures[name] = {median, (quantile(times, 0.75) - quantile(times, 0.25)) / median, octets, times.front()};
 }
 
 std::optional<Figure> Figures::find(const std::string& operation, const std::string& who,

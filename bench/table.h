@@ -16,6 +16,7 @@ struct Figure {
     double median; // nanoseconds of processor time
     double spread; // distance of the quartiles in parts of the median
     double octets; // that one iteration makes or reads; 0 where that says nothing
+    double best;   // nanoseconds of the best repetition
 };
 
 // Collects all repetitions; a benchmark is found by the parts of its name.

@@ -12,6 +12,7 @@
 #include "records/tables.h"
 #include "sbuf/asn-len.h"
 #include "sbuf/failure.h"
+#include "sbuf/nibble-alloc.h"
 #include "zyn/codes.h"
 
 namespace zyn {
@@ -24,34 +25,33 @@ struct Decoder {
     Walk& walk;
 };
 
-// An element is about to be read whose tag comes next.
-void startElement(Decoder& d) { d.walk.top->element = d.b->readLoc; }
+// An element of step's record is about to be read whose tag comes next.
+void startElement(Decoder& d, Step& step) { step.element = d.b->readLoc; }
 
 // The same, for field, alternative or list element index.
-void startElement(Decoder& d, std::size_t index) {
-    startElement(d);
-    d.walk.top->index = static_cast<uint32_t>(index);
+void startElement(Decoder& d, Step& step, std::size_t index) {
+    startElement(d, step);
+    step.index = static_cast<uint32_t>(index);
 }
 
 // The end-of-contents marker of a wrapper, and that of a record.
-void decodeEnd(Decoder& d, AsnLen* count) {
-    startElement(d);
+void decodeEnd(Decoder& d, Step& step, AsnLen* count) {
+    startElement(d, step);
     BDecEoc(d.b, count, d.env);
 }
 
-void decodeRecordEnd(Decoder& d, AsnLen* count) {
-    d.walk.top->index = noIndex;
-    decodeEnd(d, count);
+void decodeRecordEnd(Decoder& d, Step& step, AsnLen* count) {
+    step.index = noIndex;
+    decodeEnd(d, step, count);
 }
 
-[[noreturn]] void refuseTag(Decoder& d, const Type& type, std::size_t field) {
-    d.walk.top->index = static_cast<uint32_t>(field);
+[[noreturn]] void refuseTag(Decoder& d, Step& step, const Type& type, std::size_t field) {
+    step.index = static_cast<uint32_t>(field);
     raise(d.env, siteCode(type, Site::FieldTag, field), nullptr);
 }
 
 // The last field is behind the end that the record's length gives it, or before it.
-[[noreturn]] void refuseLength(Decoder& d, const Type& type, AsnLen length) {
-    Step& step = *d.walk.top;
+[[noreturn]] void refuseLength(Decoder& d, Step& step, const Type& type, AsnLen length) {
     step.element = step.content + std::min(std::size_t{length}, std::size_t(d.b->dataEnd - step.content));
     step.index = noIndex;
     raise(d.env, siteCode(type, Site::Length), nullptr);
@@ -59,8 +59,8 @@ void decodeRecordEnd(Decoder& d, AsnLen* count) {
 
 void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded);
 
-void* allocate(Decoder& d, uint32_t size) {
-    void* memory = NibbleAlloc(size);
+[[gnu::always_inline]] inline void* allocate(Decoder& d, uint32_t size) {
+    void* memory = fromArena(size);
     if (!memory) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
     return memory;
 }
@@ -86,7 +86,7 @@ bool accepts(const Field& field, AsnTag tag) {
     return (tag & field.mask) == field.tag;
 }
 
-void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
+[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
     switch (kind) {
     case Kind::Int: return BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), count, d.env);
     case Kind::Bool: return BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), count, d.env);
@@ -97,12 +97,12 @@ void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, 
     }
 }
 
-void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
+void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
     const Field& field = type.fields[index];
     AsnLen length = nextLength(d.b, count, d.env);
     const AsnLen outerLength = length;
     if (field.wrapped) {
-        startElement(d);
+        startElement(d, step);
         tag = nextTag(d.b, count, d.env);
         if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
         length = nextLength(d.b, count, d.env);
@@ -115,14 +115,14 @@ void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, vo
     }
     decodeValue(d, field.kind, field.type, tag, length, value, count);
     // A wrapper of definite length is not compared with what it held.
-    if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, count);
+    if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, step, count);
 }
 
 // A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
 // (X.690 8.1.5), whose second octet has then been read as well. Elsewhere 0 is a tag like any other.
-bool atEndOfContents(Decoder& d, AsnTag tag, AsnLen length, AsnLen* count) {
+bool atEndOfContents(Decoder& d, Step& step, AsnTag tag, AsnLen length, AsnLen* count) {
     if (tag != 0 || length != IndefiniteLen) return false;
-    d.walk.top->index = noIndex;
+    step.index = noIndex;
     eocSecondOctet(d.b, count, d.env);
     return true;
 }
@@ -130,60 +130,60 @@ bool atEndOfContents(Decoder& d, AsnTag tag, AsnLen length, AsnLen* count) {
 // The fields in table order. A tag that an OPTIONAL field does not accept is held for the next field; there is no way
 // back and no skipping of what is unknown. The end of the record is looked for only where it may stand: behind a field
 // that only OPTIONAL ones follow.
-void decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record, AsnLen* bytesDecoded) {
+void decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, void* record, AsnLen* bytesDecoded) {
     AsnLen count = 0;
     const std::size_t fields = type.fields.size();
     if (fields == 0) {
-        if (length == IndefiniteLen) decodeRecordEnd(d, &count);
+        if (length == IndefiniteLen) decodeRecordEnd(d, step, &count);
         else if (length != 0) raise(d.env, siteCode(type, Site::Only), "Expected an empty SEQUENCE\n");
         *bytesDecoded += count;
         return;
     }
     if (type.tail == 0 && length == 0) return;
-    startElement(d, 0);
+    startElement(d, step, 0);
     AsnTag tag = nextTag(d.b, &count, d.env);
-    if (type.tail == 0 && atEndOfContents(d, tag, length, &count)) {
+    if (type.tail == 0 && atEndOfContents(d, step, tag, length, &count)) {
         *bytesDecoded += count;
         return;
     }
     for (std::size_t i = 0; i < fields; ++i) {
         const Field& field = type.fields[i];
         if (!accepts(field, tag)) {
-            if (!field.optional) refuseTag(d, type, i);
+            if (!field.optional) refuseTag(d, step, type, i);
             continue;
         }
-        d.walk.top->index = static_cast<uint32_t>(i);
-        decodeField(d, type, i, tag, record, &count);
+        step.index = static_cast<uint32_t>(i);
+        decodeField(d, step, type, i, tag, record, &count);
         const bool last = i + 1 == fields;
         const bool mayEnd = i + 1 >= type.tail;
         bool ended = false;
         if (last) {
-            if (length == IndefiniteLen) decodeRecordEnd(d, &count);
-            else if (count != length) refuseLength(d, type, length);
+            if (length == IndefiniteLen) decodeRecordEnd(d, step, &count);
+            else if (count != length) refuseLength(d, step, type, length);
             ended = true;
         } else if (mayEnd && length != IndefiniteLen && count == length) {
             ended = true;
         } else {
-            startElement(d, i + 1);
+            startElement(d, step, i + 1);
             tag = nextTag(d.b, &count, d.env);
-            ended = mayEnd && atEndOfContents(d, tag, length, &count);
+            ended = mayEnd && atEndOfContents(d, step, tag, length, &count);
         }
         if (ended) {
             *bytesDecoded += count;
             return;
         }
     }
-    d.walk.top->index = noIndex;
+    step.index = noIndex;
     raise(d.env, siteCode(type, Site::Stray), nullptr);
 }
 
-void decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {
+void decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {
     const Type& element = typeOf(type.element);
     AsnLen count = 0;
     while (length == IndefiniteLen || count < length) {
-        startElement(d, static_cast<std::size_t>(list->count));
+        startElement(d, step, static_cast<std::size_t>(list->count));
         const AsnTag tag = nextTag(d.b, &count, d.env);
-        if (atEndOfContents(d, tag, length, &count)) break;
+        if (atEndOfContents(d, step, tag, length, &count)) break;
         if (tag != sequenceTag) raise(d.env, siteCode(type, Site::Only), "Unexpected Tag\n");
         const AsnLen elementLength = nextLength(d.b, &count, d.env);
         void* node = AsnListAppend(list);
@@ -195,12 +195,13 @@ void decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list, Asn
     *bytesDecoded += count;
 }
 
-void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice, AsnLen* bytesDecoded) {
+void decodeChoice(Decoder& d, Step& step, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice,
+                  AsnLen* bytesDecoded) {
     const Alternative* alternative = alternativeByTag(type, tag);
     if (!alternative) raise(d.env, siteCode(type, Site::Only), "ERROR - unexpected tag in CHOICE\n");
     AsnLen count = 0;
     choice->choiceId = alternative->number;
-    d.walk.top->index = static_cast<uint32_t>(alternative - type.alternatives.data());
+    step.index = static_cast<uint32_t>(alternative - type.alternatives.data());
     if (alternative->kind == Kind::Int) {
         decodeValue(d, Kind::Int, alternative->type, tag, length, &choice->number, &count);
     } else {
@@ -209,11 +210,11 @@ void decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, Choic
         if (alternative->kind == Kind::Choice) {
             // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an
             // indefinite length; a definite one is not compared with anything.
-            startElement(d);
+            startElement(d, step);
             const AsnTag innerTag = nextTag(d.b, &count, d.env);
             const AsnLen innerLength = nextLength(d.b, &count, d.env);
             decodeType(d, typeOf(alternative->type), innerTag, innerLength, value, &count);
-            if (length == IndefiniteLen) decodeEnd(d, &count);
+            if (length == IndefiniteLen) decodeEnd(d, step, &count);
         } else {
             decodeValue(d, alternative->kind, alternative->type, tag, length, value, &count);
         }
@@ -226,9 +227,9 @@ void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* v
     Step step = {outer, d.b->readLoc, outer->element, length, static_cast<uint16_t>(type.id), noIndex};
     d.walk.top = &step;
     switch (type.shape) {
-    case Shape::Sequence: decodeSequence(d, type, length, value, bytesDecoded); break;
-    case Shape::SetOf: decodeSetOf(d, type, length, static_cast<AsnList*>(value), bytesDecoded); break;
-    default: decodeChoice(d, type, tag, length, static_cast<ChoiceRecord*>(value), bytesDecoded); break;
+    case Shape::Sequence: decodeSequence(d, step, type, length, value, bytesDecoded); break;
+    case Shape::SetOf: decodeSetOf(d, step, type, length, static_cast<AsnList*>(value), bytesDecoded); break;
+    default: decodeChoice(d, step, type, tag, length, static_cast<ChoiceRecord*>(value), bytesDecoded); break;
     }
     d.walk.top = outer;
 }

@@ -324,7 +324,8 @@ template <TypeId id, std::size_t index, Room room> [[gnu::always_inline]] inline
     if constexpr (tagOctets(row.tag) == 1) {
         length = walk.head >> 8;
         // Most are one octet long. To guess that lets the next field begin before this one's length is known.
-        if (length == 1 && (row.kind == Kind::Int || row.kind == Kind::Bool)) [[likely]] {
+        constexpr bool mayBeOne = !row.wrapped && (row.kind == Kind::Int || row.kind == Kind::Bool);
+        if (mayBeOne && length == 1) [[likely]] {
             return walk.consume(3) && value<id, index, room>(walk, 1, record);
         }
         if (row.kind == Kind::Bool) return walk.failed();

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "sbuf/failure.h"
+#include "sbuf/nibble-alloc.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
 #include "sbuf/wire-form.h"
@@ -25,8 +26,8 @@ constexpr zyn::ComponentRules components = {
 };
 
 // Room for the octets and the 0 byte that follows them, so that text can be used as a terminated string.
-uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
-    auto* octs = static_cast<uint8_t*>(NibbleAlloc(length + 1)); // length is below IndefiniteLen
+inline uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
+    auto* octs = static_cast<uint8_t*>(zyn::fromArena(length + 1)); // length is below IndefiniteLen
     if (!octs) zyn::raise(env, ZYN_E_NO_MEMORY, nullptr);
     octs[length] = 0;
     return octs;

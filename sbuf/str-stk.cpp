@@ -24,8 +24,7 @@ template <typename Entry> void grow(Entry*& table, std::size_t& capacity, std::s
     capacity = larger;
 }
 
-void resetStack(jmp_buf env) {
-    StrStk& s = currentStrStk();
+void resetStack(StrStk& s, jmp_buf env) {
     s.nextFreeElmt = 0;
     s.totalByteLen = 0;
     if (s.stk) return;
@@ -35,8 +34,7 @@ void resetStack(jmp_buf env) {
     s.numElmts = s.initialNumElmts;
 }
 
-void pushPiece(uint8_t* str, uint32_t len, jmp_buf env) {
-    StrStk& s = currentStrStk();
+void pushPiece(StrStk& s, uint8_t* str, uint32_t len, jmp_buf env) {
     if (s.nextFreeElmt >= s.numElmts) {
         const std::size_t needed = std::size_t{s.numElmts} + std::max(s.growElmts, 1u);
         std::size_t& capacity = currentStringTables().pieceCapacity;
@@ -50,7 +48,7 @@ void pushPiece(uint8_t* str, uint32_t len, jmp_buf env) {
 }
 
 // The octets of one primitive component, by reference.
-void takeComponent(SBuf* b, AsnLen length, const ComponentRules& rules, unsigned& unusedBits, jmp_buf env) {
+void takeComponent(StrStk& s, SBuf* b, AsnLen length, const ComponentRules& rules, unsigned& unusedBits, jmp_buf env) {
     if (rules.countsUnusedBits) {
         if (unusedBits != 0) {
             raise(env, ZYN_E_BITS_NOT_LAST,
@@ -63,7 +61,7 @@ void takeComponent(SBuf* b, AsnLen length, const ComponentRules& rules, unsigned
     }
     AsnLen taken = length;
     uint8_t* piece = SBufTakeSeg(b, &taken);
-    pushPiece(piece, taken, env);
+    pushPiece(s, piece, taken, env);
     if (taken < length) raise(env, rules.cutCode, rules.cut);
 }
 
@@ -72,15 +70,17 @@ void takeComponent(SBuf* b, AsnLen length, const ComponentRules& rules, unsigned
 // The end of a definite string is only tested for being reached: components that run over it end the walk, and the
 // excess shows in the count that the enclosing record checks.
 unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLen* bytesDecoded, jmp_buf env) {
-    resetStack(env);
+    StrStk& s = currentStrStk();
+    resetStack(s, env);
     unsigned unusedBits = 0;
     if (length == 0) return unusedBits;
+    Failure& failure = currentFailure();
     StringTables& tables = currentStringTables();
     AsnLen count = 0;
     std::size_t depth = 0;
     const uint8_t* previous = nullptr; // primitive component
     for (;;) {
-        const uint8_t* component = currentFailure().component = b->readLoc;
+        const uint8_t* component = failure.component = b->readLoc;
         const AsnTag tag = nextTag(b, &count, env);
         bool ended = false;
         if (tag == 0 && length == IndefiniteLen) {
@@ -89,9 +89,9 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
         } else {
             const AsnLen componentLength = nextLength(b, &count, env);
             if (tag == rules.primitive) {
-                if (unusedBits != 0) currentFailure().component = previous; // to blame that it is not the last
+                if (unusedBits != 0) failure.component = previous; // to blame that it is not the last
                 previous = component;
-                takeComponent(b, componentLength, rules, unusedBits, env);
+                takeComponent(s, b, componentLength, rules, unusedBits, env);
                 count += componentLength;
             } else if (tag != rules.nested) {
                 raise(env, rules.wrongTagCode, rules.wrongTag);
@@ -106,7 +106,7 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
         }
         while (ended) {
             if (depth == 0) {
-                currentFailure().component = nullptr;
+                failure.component = nullptr;
                 *bytesDecoded += count;
                 return unusedBits;
             }

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "tests/support/elements.h"
 #include "tests/support/few.h"
 #include "tests/support/hex.h"
 #include "tests/support/two-ways.h"
@@ -148,6 +149,33 @@ TEST_F(TwoWaysTest, MessagesWithWrongElements) {
     });
     EXPECT_GT(accepted, 1000u / onePatternIn());
     EXPECT_GT(refused, 1000u / onePatternIn());
+}
+
+// One element after the other holds something else, and all lengths fit.
+TEST_F(TwoWaysTest, MessagesWithTheContentOfOneElementChanged) {
+    const Octets contents[] = {{}, {0x01}, {0x80}, {0x30, 0x00}, {0x02, 0x00}, {0x02, 0x01, 0x07}, {0x04, 0x01, 0x07},
+                               {0x02, 0x02, 0x07}, {0x02, 0x04, 0x01, 0x02, 0x03, 0x04}, {0x80, 0x01, 0x02, 0x03, 0x04},
+                               {0x02, 0x01, 0x07, 0x05, 0x00}, {0x02, 0x05, 0x01, 0x02, 0x03, 0x04, 0x05}};
+    const auto changeEach = [&](auto& self, const Channel& channel, Elements& message, Elements& level) -> void {
+        for (Element& element : level) {
+            const Element was = element;
+            for (const Octets& content : contents) {
+                element.constructed = false; // of what is written; the tag stays
+                element.parts.clear();
+                element.content = content;
+                receiveAnything(channel, written(message));
+                element = was;
+            }
+            self(self, channel, message, element.parts);
+        }
+    };
+    forAllMessages(2, {{50, 12, 2}, {100, 5, 1}}, [&](auto& channel, auto* choice, const Octets& octets) {
+        Elements message = parse(octets);
+        changeEach(changeEach, channel, message, message);
+        receive(channel, choice, octets);
+    });
+    EXPECT_GT(accepted, 10000u);
+    EXPECT_GT(refused, 10000u);
 }
 
 TEST_F(TwoWaysTest, MessagesPutTogetherFromPartsOfOthers) {

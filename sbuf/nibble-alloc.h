@@ -1,0 +1,21 @@
+#pragma once
+
+#include "sbuf/state.h"
+
+namespace zyn {
+
+// NibbleAlloc for the library's own code: what the current block has room for, and to spare, is taken without a call.
+inline void* fromArena(uint32_t size) {
+    if (const NibbleMem* arena = currentArena()) {
+        NibbleBuf* block = arena->currNibbleBuf;
+        const std::size_t rounded = (std::size_t{size} + 7) & ~std::size_t{7};
+        if (rounded < static_cast<std::size_t>(block->end - block->curr)) {
+            uint8_t* memory = block->curr;
+            block->curr += rounded;
+            return memory;
+        }
+    }
+    return NibbleAlloc(size);
+}
+
+} // namespace zyn
