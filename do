@@ -159,7 +159,7 @@ written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^in
 verb_generate() {
     set_up "${build_packages[@]}"
     build release zyn-schema
-    say "writing include/zyn/records, include/zyn/records.h, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
+    say "writing include/zyn/records, include/zyn/records.h, include/zyn/cpp, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
     build/release/bin/zyn-schema --headers include/zyn/records --rows records/generated \
         --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
 }

@@ -24,7 +24,8 @@ constexpr const char* usage =
     "usage: zyn-schema --headers DIR --rows DIR [--dump FILE] [--flat FILE] MODULE.asn1...\n"
     "\n"
     "Compiles the ASN.1 modules of the protocol, in any order.\n"
-    "  --headers DIR  writes DIR/MODULE.h for each module, and DIR/../records.h, which includes them all\n"
+    "  --headers DIR  writes DIR/MODULE.h for each module, and DIR/../records.h, which includes them all;\n"
+    "                 for C++ DIR/../cpp/MODULE.hpp and DIR/../cpp/records.hpp\n"
     "  --rows DIR     writes the field tables and export stubs of the library\n"
     "  --dump FILE    writes the compiled schema as text\n"
     "  --flat FILE    writes all types as one module, which has the name of the file\n"
@@ -95,6 +96,7 @@ void run(const Arguments& arguments) {
     const Output output = emit(schema);
     const fs::path headers = arguments.headers, rows = arguments.rows;
     for (const OutputFile& file : output.headers) writeFile(headers / file.name, file.text);
+    for (const OutputFile& file : output.cpp) writeFile(headers / ".." / "cpp" / file.name, file.text);
     writeFile(headers / ".." / output.allHeaders.name, output.allHeaders.text);
     for (const OutputFile& file : output.rows) writeFile(rows / file.name, file.text);
     if (!arguments.dump.empty()) {
