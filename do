@@ -5,7 +5,9 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
-test_packages=("${build_packages[@]}" libgtest-dev)
+docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
+test_packages=("${docs_packages[@]}" libgtest-dev pkg-config)
+package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
@@ -78,7 +80,7 @@ verb_test() {
     esac
     if [[ $preset == valgrind ]]; then
         build test library-tests
-        memcheck
+        library_tests test valgrind --quiet --leak-check=full --error-exitcode=1
         return
     fi
     build "$preset"
@@ -86,13 +88,33 @@ verb_test() {
     ctest --preset "$preset"
 }
 
-# Runs the library's tests with fewer bit patterns; an error or a leak ends it.
-memcheck() {
-    local part
+# library_tests PRESET [COMMAND ...]: runs the library's tests with fewer bit patterns, each program under the command.
+library_tests() {
+    local part preset=$1
+    shift
     for part in sbuf records api thread; do
-        say "memcheck, $part-tests"
-        ZYN_FEW_PATTERNS=1 valgrind --quiet --leak-check=full --error-exitcode=1 "build/test/bin/$part-tests" --gtest_brief
+        say "$part-tests${1:+, $1}"
+        ZYN_FEW_PATTERNS=1 "$@" "build/$preset/bin/$part-tests" --gtest_brief
     done
+}
+
+## coverage     which lines and branches of the library its tests run, in figures and as a page; fails below 97 and 95 %
+verb_coverage() {
+    set_up "${test_packages[@]}" python3
+    build coverage
+    find build/coverage -name '*.gcda' -delete
+    library_tests coverage
+    say "counting; the page is build/coverage/coverage.html"
+    tools/coverage build/coverage
+}
+
+## mutate [N [SEED]]  break the library in N ways (200), one at a time, and tell which of them its tests catch; fails
+##              below 95 %
+verb_mutate() {
+    [[ ${1:-1} =~ ^[1-9][0-9]*$ && ${2:-1} =~ ^[0-9]+$ ]] || wrong_use "mutate takes a number of faults and a seed"
+    set_up "${test_packages[@]}" python3
+    say "making faults"
+    tools/mutate "$@"
 }
 
 ## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
@@ -155,6 +177,18 @@ verb_lint() {
 # The files among those named that people write.
 written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
 
+## docs         make the reference and the guide as a site in build/docs, to be read there, and check it
+verb_docs() {
+    set_up "${docs_packages[@]}"
+    build release zyn-tool
+    build release zyn-schema
+    say "writing build/docs"
+    local start=$SECONDS bin=build/release/bin
+    /usr/bin/python3 -B tools/docs/make.py --tool $bin/zyn --compiler $bin/zyn-schema --source . --out build/docs
+    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --site build/docs
+    say "open build/docs/index.html; made in $((SECONDS - start)) s"
+}
+
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
     set_up "${build_packages[@]}"
@@ -162,6 +196,26 @@ verb_generate() {
     say "writing include/zyn/records, include/zyn/records.h, include/zyn/cpp, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
     build/release/bin/zyn-schema --headers include/zyn/records --rows records/generated \
         --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
+}
+
+## package [root]  make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
+##              Debian 12
+verb_package() {
+    [[ ${1:-root} == root ]] || wrong_use "package takes root or nothing"
+    set_up "${package_packages[@]}" ${1:+debootstrap}
+    build package
+    say "packing"
+    rm -rf build/packages
+    cpack --config build/package/CPackConfig.cmake -B build/packages
+    cpack --config build/package/CPackSourceConfig.cmake -B build/packages
+    rm -r build/packages/_CPack_Packages
+    ls -l build/packages
+    if [[ -n ${1:-} ]]; then
+        say "trying the packages in a clean root"
+        local root=()
+        ((EUID == 0)) || root=(sudo -n)
+        "${root[@]}" bash tests/packaging/root.sh build/packages
+    fi
 }
 
 ## clean        remove all that was built
@@ -178,6 +232,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb =~ ^(test|bench|fuzz|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
-(($# <= 1)) || wrong_use "'$verb' takes one word at most"
+[[ $verb =~ ^(test|bench|fuzz|interop|package|abi|mutate)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+(($# <= 1)) || [[ $verb == mutate ]] || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"
