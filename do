@@ -6,7 +6,7 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
 docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
-test_packages=("${docs_packages[@]}" libgtest-dev pkg-config)
+test_packages=("${docs_packages[@]}" libgtest-dev pkg-config valgrind)
 package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev

@@ -136,6 +136,8 @@ std::string alternativeValue(const Member& alternative, const std::string& choic
     const Value value = valueOf(alternative.use);
     const std::string place = choice + alternative.name;
     if (!value.record && !isString(alternative.use.kind)) return place;
+    const bool empty = alternative.use.kind == Kind::Sequence && alternative.use.type->members.empty();
+    if (empty) return value.type + "(" + place + " ? *" + place + " : detail::empty<" + alternative.use.name + ">)";
     return value.type + "(*" + place + ")";
 }
 

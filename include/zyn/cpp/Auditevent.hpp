@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynAuditEventType> {
 public:
-    static constexpr const char* name = "ZynAuditEventType";
-    static constexpr auto printer = PrintZynAuditEventType;
+    static constexpr const char* name_ = "ZynAuditEventType";
+    static constexpr auto printer_ = PrintZynAuditEventType;
     explicit View(const ZynAuditEventType& record) : record_(&record) {}
     const ZynAuditEventType& get() const { return *record_; }
 
@@ -36,8 +36,8 @@ template <> struct Init<ZynAuditEventType> {
 
 template <> class View<ZynAuditEvent> {
 public:
-    static constexpr const char* name = "ZynAuditEvent";
-    static constexpr auto printer = PrintZynAuditEvent;
+    static constexpr const char* name_ = "ZynAuditEvent";
+    static constexpr auto printer_ = PrintZynAuditEvent;
     explicit View(const ZynAuditEvent& record) : record_(&record) {}
     const ZynAuditEvent& get() const { return *record_; }
 
@@ -76,8 +76,8 @@ template <> struct Init<ZynAuditEvent> {
 
 template <> class View<ZynAuditEventGroupReq> {
 public:
-    static constexpr const char* name = "ZynAuditEventGroupReq";
-    static constexpr auto printer = PrintZynAuditEventGroupReq;
+    static constexpr const char* name_ = "ZynAuditEventGroupReq";
+    static constexpr auto printer_ = PrintZynAuditEventGroupReq;
     explicit View(const ZynAuditEventGroupReq& record) : record_(&record) {}
     const ZynAuditEventGroupReq& get() const { return *record_; }
 
@@ -98,8 +98,8 @@ template <> struct Init<ZynAuditEventGroupReq> {
 
 template <> class View<ZynAuditEventGroupRep> {
 public:
-    static constexpr const char* name = "ZynAuditEventGroupRep";
-    static constexpr auto printer = PrintZynAuditEventGroupRep;
+    static constexpr const char* name_ = "ZynAuditEventGroupRep";
+    static constexpr auto printer_ = PrintZynAuditEventGroupRep;
     explicit View(const ZynAuditEventGroupRep& record) : record_(&record) {}
     const ZynAuditEventGroupRep& get() const { return *record_; }
 
@@ -124,8 +124,8 @@ template <> struct Init<ZynAuditEventGroupRep> {
 
 template <> class View<ZynAuditEventTypeReq> {
 public:
-    static constexpr const char* name = "ZynAuditEventTypeReq";
-    static constexpr auto printer = PrintZynAuditEventTypeReq;
+    static constexpr const char* name_ = "ZynAuditEventTypeReq";
+    static constexpr auto printer_ = PrintZynAuditEventTypeReq;
     explicit View(const ZynAuditEventTypeReq& record) : record_(&record) {}
     const ZynAuditEventTypeReq& get() const { return *record_; }
 
@@ -146,8 +146,8 @@ template <> struct Init<ZynAuditEventTypeReq> {
 
 template <> class View<ZynAuditEventTypeRep> {
 public:
-    static constexpr const char* name = "ZynAuditEventTypeRep";
-    static constexpr auto printer = PrintZynAuditEventTypeRep;
+    static constexpr const char* name_ = "ZynAuditEventTypeRep";
+    static constexpr auto printer_ = PrintZynAuditEventTypeRep;
     explicit View(const ZynAuditEventTypeRep& record) : record_(&record) {}
     const ZynAuditEventTypeRep& get() const { return *record_; }
 
@@ -176,8 +176,8 @@ template <> struct Init<ZynAuditEventTypeRep> {
 
 template <> class View<ZynAuditEventReq> {
 public:
-    static constexpr const char* name = "ZynAuditEventReq";
-    static constexpr auto printer = PrintZynAuditEventReq;
+    static constexpr const char* name_ = "ZynAuditEventReq";
+    static constexpr auto printer_ = PrintZynAuditEventReq;
     explicit View(const ZynAuditEventReq& record) : record_(&record) {}
     const ZynAuditEventReq& get() const { return *record_; }
 
@@ -198,8 +198,8 @@ template <> struct Init<ZynAuditEventReq> {
 
 template <> class View<ZynAuditEventRep> {
 public:
-    static constexpr const char* name = "ZynAuditEventRep";
-    static constexpr auto printer = PrintZynAuditEventRep;
+    static constexpr const char* name_ = "ZynAuditEventRep";
+    static constexpr auto printer_ = PrintZynAuditEventRep;
     explicit View(const ZynAuditEventRep& record) : record_(&record) {}
     const ZynAuditEventRep& get() const { return *record_; }
 

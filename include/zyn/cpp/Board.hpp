@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynBoardReq> {
 public:
-    static constexpr const char* name = "ZynBoardReq";
-    static constexpr auto printer = PrintZynBoardReq;
+    static constexpr const char* name_ = "ZynBoardReq";
+    static constexpr auto printer_ = PrintZynBoardReq;
     explicit View(const ZynBoardReq& record) : record_(&record) {}
     const ZynBoardReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynBoardReq> {
 
 template <> class View<ZynBoardRep> {
 public:
-    static constexpr const char* name = "ZynBoardRep";
-    static constexpr auto printer = PrintZynBoardRep;
+    static constexpr const char* name_ = "ZynBoardRep";
+    static constexpr auto printer_ = PrintZynBoardRep;
     explicit View(const ZynBoardRep& record) : record_(&record) {}
     const ZynBoardRep& get() const { return *record_; }
 
@@ -63,8 +63,8 @@ template <> struct Init<ZynBoardRep> {
 
 template <> class View<ZynBoardSuspend> {
 public:
-    static constexpr const char* name = "ZynBoardSuspend";
-    static constexpr auto printer = PrintZynBoardSuspend;
+    static constexpr const char* name_ = "ZynBoardSuspend";
+    static constexpr auto printer_ = PrintZynBoardSuspend;
     explicit View(const ZynBoardSuspend& record) : record_(&record) {}
     const ZynBoardSuspend& get() const { return *record_; }
 
@@ -87,8 +87,8 @@ template <> struct Init<ZynBoardSuspend> {
 
 template <> class View<ZynBoardUnsuspend> {
 public:
-    static constexpr const char* name = "ZynBoardUnsuspend";
-    static constexpr auto printer = PrintZynBoardUnsuspend;
+    static constexpr const char* name_ = "ZynBoardUnsuspend";
+    static constexpr auto printer_ = PrintZynBoardUnsuspend;
     explicit View(const ZynBoardUnsuspend& record) : record_(&record) {}
     const ZynBoardUnsuspend& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynCashPosChange> {
 public:
-    static constexpr const char* name = "ZynCashPosChange";
-    static constexpr auto printer = PrintZynCashPosChange;
+    static constexpr const char* name_ = "ZynCashPosChange";
+    static constexpr auto printer_ = PrintZynCashPosChange;
     explicit View(const ZynCashPosChange& record) : record_(&record) {}
     const ZynCashPosChange& get() const { return *record_; }
 
@@ -44,8 +44,8 @@ template <> struct Init<ZynCashPosChange> {
 
 template <> class View<ZynCashPosChangeLimit> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeLimit";
-    static constexpr auto printer = PrintZynCashPosChangeLimit;
+    static constexpr const char* name_ = "ZynCashPosChangeLimit";
+    static constexpr auto printer_ = PrintZynCashPosChangeLimit;
     explicit View(const ZynCashPosChangeLimit& record) : record_(&record) {}
     const ZynCashPosChangeLimit& get() const { return *record_; }
 
@@ -72,8 +72,8 @@ template <> struct Init<ZynCashPosChangeLimit> {
 
 template <> class View<ZynCashPosChangeLimitForAcc> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeLimitForAcc";
-    static constexpr auto printer = PrintZynCashPosChangeLimitForAcc;
+    static constexpr const char* name_ = "ZynCashPosChangeLimitForAcc";
+    static constexpr auto printer_ = PrintZynCashPosChangeLimitForAcc;
     explicit View(const ZynCashPosChangeLimitForAcc& record) : record_(&record) {}
     const ZynCashPosChangeLimitForAcc& get() const { return *record_; }
 
@@ -96,8 +96,8 @@ template <> struct Init<ZynCashPosChangeLimitForAcc> {
 
 template <> class View<ZynCashPosChangeLimitForFirm> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeLimitForFirm";
-    static constexpr auto printer = PrintZynCashPosChangeLimitForFirm;
+    static constexpr const char* name_ = "ZynCashPosChangeLimitForFirm";
+    static constexpr auto printer_ = PrintZynCashPosChangeLimitForFirm;
     explicit View(const ZynCashPosChangeLimitForFirm& record) : record_(&record) {}
     const ZynCashPosChangeLimitForFirm& get() const { return *record_; }
 
@@ -120,8 +120,8 @@ template <> struct Init<ZynCashPosChangeLimitForFirm> {
 
 template <> class View<ZynCashPosChangeLimitForUser> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeLimitForUser";
-    static constexpr auto printer = PrintZynCashPosChangeLimitForUser;
+    static constexpr const char* name_ = "ZynCashPosChangeLimitForUser";
+    static constexpr auto printer_ = PrintZynCashPosChangeLimitForUser;
     explicit View(const ZynCashPosChangeLimitForUser& record) : record_(&record) {}
     const ZynCashPosChangeLimitForUser& get() const { return *record_; }
 
@@ -144,8 +144,8 @@ template <> struct Init<ZynCashPosChangeLimitForUser> {
 
 template <> class View<ZynCashPosLoad> {
 public:
-    static constexpr const char* name = "ZynCashPosLoad";
-    static constexpr auto printer = PrintZynCashPosLoad;
+    static constexpr const char* name_ = "ZynCashPosLoad";
+    static constexpr auto printer_ = PrintZynCashPosLoad;
     explicit View(const ZynCashPosLoad& record) : record_(&record) {}
     const ZynCashPosLoad& get() const { return *record_; }
 
@@ -180,8 +180,8 @@ template <> struct Init<ZynCashPosLoad> {
 
 template <> class View<ZynCashPosChangeByAccReq> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeByAccReq";
-    static constexpr auto printer = PrintZynCashPosChangeByAccReq;
+    static constexpr const char* name_ = "ZynCashPosChangeByAccReq";
+    static constexpr auto printer_ = PrintZynCashPosChangeByAccReq;
     explicit View(const ZynCashPosChangeByAccReq& record) : record_(&record) {}
     const ZynCashPosChangeByAccReq& get() const { return *record_; }
 
@@ -208,8 +208,8 @@ template <> struct Init<ZynCashPosChangeByAccReq> {
 
 template <> class View<ZynCashPosChangeByAccRep> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeByAccRep";
-    static constexpr auto printer = PrintZynCashPosChangeByAccRep;
+    static constexpr const char* name_ = "ZynCashPosChangeByAccRep";
+    static constexpr auto printer_ = PrintZynCashPosChangeByAccRep;
     explicit View(const ZynCashPosChangeByAccRep& record) : record_(&record) {}
     const ZynCashPosChangeByAccRep& get() const { return *record_; }
 
@@ -234,8 +234,8 @@ template <> struct Init<ZynCashPosChangeByAccRep> {
 
 template <> class View<ZynCashPosChangeByFirmReq> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeByFirmReq";
-    static constexpr auto printer = PrintZynCashPosChangeByFirmReq;
+    static constexpr const char* name_ = "ZynCashPosChangeByFirmReq";
+    static constexpr auto printer_ = PrintZynCashPosChangeByFirmReq;
     explicit View(const ZynCashPosChangeByFirmReq& record) : record_(&record) {}
     const ZynCashPosChangeByFirmReq& get() const { return *record_; }
 
@@ -258,8 +258,8 @@ template <> struct Init<ZynCashPosChangeByFirmReq> {
 
 template <> class View<ZynCashPosChangeByFirmRep> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeByFirmRep";
-    static constexpr auto printer = PrintZynCashPosChangeByFirmRep;
+    static constexpr const char* name_ = "ZynCashPosChangeByFirmRep";
+    static constexpr auto printer_ = PrintZynCashPosChangeByFirmRep;
     explicit View(const ZynCashPosChangeByFirmRep& record) : record_(&record) {}
     const ZynCashPosChangeByFirmRep& get() const { return *record_; }
 
@@ -284,8 +284,8 @@ template <> struct Init<ZynCashPosChangeByFirmRep> {
 
 template <> class View<ZynCashPosChangeByUserReq> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeByUserReq";
-    static constexpr auto printer = PrintZynCashPosChangeByUserReq;
+    static constexpr const char* name_ = "ZynCashPosChangeByUserReq";
+    static constexpr auto printer_ = PrintZynCashPosChangeByUserReq;
     explicit View(const ZynCashPosChangeByUserReq& record) : record_(&record) {}
     const ZynCashPosChangeByUserReq& get() const { return *record_; }
 
@@ -310,8 +310,8 @@ template <> struct Init<ZynCashPosChangeByUserReq> {
 
 template <> class View<ZynCashPosChangeByUserRep> {
 public:
-    static constexpr const char* name = "ZynCashPosChangeByUserRep";
-    static constexpr auto printer = PrintZynCashPosChangeByUserRep;
+    static constexpr const char* name_ = "ZynCashPosChangeByUserRep";
+    static constexpr auto printer_ = PrintZynCashPosChangeByUserRep;
     explicit View(const ZynCashPosChangeByUserRep& record) : record_(&record) {}
     const ZynCashPosChangeByUserRep& get() const { return *record_; }
 

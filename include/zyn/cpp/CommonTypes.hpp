@@ -10,8 +10,8 @@ namespace zyn {
 
 template <> class View<AsnDateTime> {
 public:
-    static constexpr const char* name = "AsnDateTime";
-    static constexpr auto printer = PrintAsnDateTime;
+    static constexpr const char* name_ = "AsnDateTime";
+    static constexpr auto printer_ = PrintAsnDateTime;
     explicit View(const AsnDateTime& record) : record_(&record) {}
     const AsnDateTime& get() const { return *record_; }
 
@@ -34,8 +34,8 @@ template <> struct Init<AsnDateTime> {
 
 template <> class View<AsnDateTimeMS> {
 public:
-    static constexpr const char* name = "AsnDateTimeMS";
-    static constexpr auto printer = PrintAsnDateTimeMS;
+    static constexpr const char* name_ = "AsnDateTimeMS";
+    static constexpr auto printer_ = PrintAsnDateTimeMS;
     explicit View(const AsnDateTimeMS& record) : record_(&record) {}
     const AsnDateTimeMS& get() const { return *record_; }
 
@@ -60,8 +60,8 @@ template <> struct Init<AsnDateTimeMS> {
 
 template <> class View<AsnFixedReal> {
 public:
-    static constexpr const char* name = "AsnFixedReal";
-    static constexpr auto printer = PrintAsnFixedReal;
+    static constexpr const char* name_ = "AsnFixedReal";
+    static constexpr auto printer_ = PrintAsnFixedReal;
     explicit View(const AsnFixedReal& record) : record_(&record) {}
     const AsnFixedReal& get() const { return *record_; }
 
@@ -84,8 +84,8 @@ template <> struct Init<AsnFixedReal> {
 
 template <> class View<AsnFixedInt> {
 public:
-    static constexpr const char* name = "AsnFixedInt";
-    static constexpr auto printer = PrintAsnFixedInt;
+    static constexpr const char* name_ = "AsnFixedInt";
+    static constexpr auto printer_ = PrintAsnFixedInt;
     explicit View(const AsnFixedInt& record) : record_(&record) {}
     const AsnFixedInt& get() const { return *record_; }
 
@@ -108,8 +108,8 @@ template <> struct Init<AsnFixedInt> {
 
 template <> class View<AsnLongInt> {
 public:
-    static constexpr const char* name = "AsnLongInt";
-    static constexpr auto printer = PrintAsnLongInt;
+    static constexpr const char* name_ = "AsnLongInt";
+    static constexpr auto printer_ = PrintAsnLongInt;
     explicit View(const AsnLongInt& record) : record_(&record) {}
     const AsnLongInt& get() const { return *record_; }
 
@@ -130,8 +130,8 @@ template <> struct Init<AsnLongInt> {
 
 template <> class View<AsnSequenceContext> {
 public:
-    static constexpr const char* name = "AsnSequenceContext";
-    static constexpr auto printer = PrintAsnSequenceContext;
+    static constexpr const char* name_ = "AsnSequenceContext";
+    static constexpr auto printer_ = PrintAsnSequenceContext;
     explicit View(const AsnSequenceContext& record) : record_(&record) {}
     const AsnSequenceContext& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynDepAccReq> {
 public:
-    static constexpr const char* name = "ZynDepAccReq";
-    static constexpr auto printer = PrintZynDepAccReq;
+    static constexpr const char* name_ = "ZynDepAccReq";
+    static constexpr auto printer_ = PrintZynDepAccReq;
     explicit View(const ZynDepAccReq& record) : record_(&record) {}
     const ZynDepAccReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynDepAccReq> {
 
 template <> class View<ZynDepAccRep> {
 public:
-    static constexpr const char* name = "ZynDepAccRep";
-    static constexpr auto printer = PrintZynDepAccRep;
+    static constexpr const char* name_ = "ZynDepAccRep";
+    static constexpr auto printer_ = PrintZynDepAccRep;
     explicit View(const ZynDepAccRep& record) : record_(&record) {}
     const ZynDepAccRep& get() const { return *record_; }
 
@@ -59,8 +59,8 @@ template <> struct Init<ZynDepAccRep> {
 
 template <> class View<ZynDepAccValidate> {
 public:
-    static constexpr const char* name = "ZynDepAccValidate";
-    static constexpr auto printer = PrintZynDepAccValidate;
+    static constexpr const char* name_ = "ZynDepAccValidate";
+    static constexpr auto printer_ = PrintZynDepAccValidate;
     explicit View(const ZynDepAccValidate& record) : record_(&record) {}
     const ZynDepAccValidate& get() const { return *record_; }
 
@@ -81,8 +81,8 @@ template <> struct Init<ZynDepAccValidate> {
 
 template <> class View<ZynDepAccSuspend> {
 public:
-    static constexpr const char* name = "ZynDepAccSuspend";
-    static constexpr auto printer = PrintZynDepAccSuspend;
+    static constexpr const char* name_ = "ZynDepAccSuspend";
+    static constexpr auto printer_ = PrintZynDepAccSuspend;
     explicit View(const ZynDepAccSuspend& record) : record_(&record) {}
     const ZynDepAccSuspend& get() const { return *record_; }
 
@@ -105,8 +105,8 @@ template <> struct Init<ZynDepAccSuspend> {
 
 template <> class View<ZynDepAccUnsuspend> {
 public:
-    static constexpr const char* name = "ZynDepAccUnsuspend";
-    static constexpr auto printer = PrintZynDepAccUnsuspend;
+    static constexpr const char* name_ = "ZynDepAccUnsuspend";
+    static constexpr auto printer_ = PrintZynDepAccUnsuspend;
     explicit View(const ZynDepAccUnsuspend& record) : record_(&record) {}
     const ZynDepAccUnsuspend& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynFirmRepDynamic> {
 public:
-    static constexpr const char* name = "ZynFirmRepDynamic";
-    static constexpr auto printer = PrintZynFirmRepDynamic;
+    static constexpr const char* name_ = "ZynFirmRepDynamic";
+    static constexpr auto printer_ = PrintZynFirmRepDynamic;
     explicit View(const ZynFirmRepDynamic& record) : record_(&record) {}
     const ZynFirmRepDynamic& get() const { return *record_; }
 
@@ -46,8 +46,8 @@ template <> struct Init<ZynFirmRepDynamic> {
 
 template <> class View<ZynFirmRepStatic> {
 public:
-    static constexpr const char* name = "ZynFirmRepStatic";
-    static constexpr auto printer = PrintZynFirmRepStatic;
+    static constexpr const char* name_ = "ZynFirmRepStatic";
+    static constexpr auto printer_ = PrintZynFirmRepStatic;
     explicit View(const ZynFirmRepStatic& record) : record_(&record) {}
     const ZynFirmRepStatic& get() const { return *record_; }
 
@@ -80,8 +80,8 @@ template <> struct Init<ZynFirmRepStatic> {
 
 template <> class View<ZynFirmReq> {
 public:
-    static constexpr const char* name = "ZynFirmReq";
-    static constexpr auto printer = PrintZynFirmReq;
+    static constexpr const char* name_ = "ZynFirmReq";
+    static constexpr auto printer_ = PrintZynFirmReq;
     explicit View(const ZynFirmReq& record) : record_(&record) {}
     const ZynFirmReq& get() const { return *record_; }
 
@@ -102,8 +102,8 @@ template <> struct Init<ZynFirmReq> {
 
 template <> class View<ZynFirmRep> {
 public:
-    static constexpr const char* name = "ZynFirmRep";
-    static constexpr auto printer = PrintZynFirmRep;
+    static constexpr const char* name_ = "ZynFirmRep";
+    static constexpr auto printer_ = PrintZynFirmRep;
     explicit View(const ZynFirmRep& record) : record_(&record) {}
     const ZynFirmRep& get() const { return *record_; }
 
@@ -130,8 +130,8 @@ template <> struct Init<ZynFirmRep> {
 
 template <> class View<ZynFirmSuspend> {
 public:
-    static constexpr const char* name = "ZynFirmSuspend";
-    static constexpr auto printer = PrintZynFirmSuspend;
+    static constexpr const char* name_ = "ZynFirmSuspend";
+    static constexpr auto printer_ = PrintZynFirmSuspend;
     explicit View(const ZynFirmSuspend& record) : record_(&record) {}
     const ZynFirmSuspend& get() const { return *record_; }
 
@@ -158,8 +158,8 @@ template <> struct Init<ZynFirmSuspend> {
 
 template <> class View<ZynFirmUnsuspend> {
 public:
-    static constexpr const char* name = "ZynFirmUnsuspend";
-    static constexpr auto printer = PrintZynFirmUnsuspend;
+    static constexpr const char* name_ = "ZynFirmUnsuspend";
+    static constexpr auto printer_ = PrintZynFirmUnsuspend;
     explicit View(const ZynFirmUnsuspend& record) : record_(&record) {}
     const ZynFirmUnsuspend& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynHoldingChangeReq> {
 public:
-    static constexpr const char* name = "ZynHoldingChangeReq";
-    static constexpr auto printer = PrintZynHoldingChangeReq;
+    static constexpr const char* name_ = "ZynHoldingChangeReq";
+    static constexpr auto printer_ = PrintZynHoldingChangeReq;
     explicit View(const ZynHoldingChangeReq& record) : record_(&record) {}
     const ZynHoldingChangeReq& get() const { return *record_; }
 
@@ -37,8 +37,8 @@ template <> struct Init<ZynHoldingChangeReq> {
 
 template <> class View<ZynHoldingChangeRep> {
 public:
-    static constexpr const char* name = "ZynHoldingChangeRep";
-    static constexpr auto printer = PrintZynHoldingChangeRep;
+    static constexpr const char* name_ = "ZynHoldingChangeRep";
+    static constexpr auto printer_ = PrintZynHoldingChangeRep;
     explicit View(const ZynHoldingChangeRep& record) : record_(&record) {}
     const ZynHoldingChangeRep& get() const { return *record_; }
 
@@ -81,8 +81,8 @@ template <> struct Init<ZynHoldingChangeRep> {
 
 template <> class View<ZynHoldingUpdateQty> {
 public:
-    static constexpr const char* name = "ZynHoldingUpdateQty";
-    static constexpr auto printer = PrintZynHoldingUpdateQty;
+    static constexpr const char* name_ = "ZynHoldingUpdateQty";
+    static constexpr auto printer_ = PrintZynHoldingUpdateQty;
     explicit View(const ZynHoldingUpdateQty& record) : record_(&record) {}
     const ZynHoldingUpdateQty& get() const { return *record_; }
 
@@ -113,8 +113,8 @@ template <> struct Init<ZynHoldingUpdateQty> {
 
 template <> class View<ZynHoldingFreeze> {
 public:
-    static constexpr const char* name = "ZynHoldingFreeze";
-    static constexpr auto printer = PrintZynHoldingFreeze;
+    static constexpr const char* name_ = "ZynHoldingFreeze";
+    static constexpr auto printer_ = PrintZynHoldingFreeze;
     explicit View(const ZynHoldingFreeze& record) : record_(&record) {}
     const ZynHoldingFreeze& get() const { return *record_; }
 
@@ -143,8 +143,8 @@ template <> struct Init<ZynHoldingFreeze> {
 
 template <> class View<ZynHoldingPledge> {
 public:
-    static constexpr const char* name = "ZynHoldingPledge";
-    static constexpr auto printer = PrintZynHoldingPledge;
+    static constexpr const char* name_ = "ZynHoldingPledge";
+    static constexpr auto printer_ = PrintZynHoldingPledge;
     explicit View(const ZynHoldingPledge& record) : record_(&record) {}
     const ZynHoldingPledge& get() const { return *record_; }
 
@@ -175,8 +175,8 @@ template <> struct Init<ZynHoldingPledge> {
 
 template <> class View<ZynHoldingTransfer> {
 public:
-    static constexpr const char* name = "ZynHoldingTransfer";
-    static constexpr auto printer = PrintZynHoldingTransfer;
+    static constexpr const char* name_ = "ZynHoldingTransfer";
+    static constexpr auto printer_ = PrintZynHoldingTransfer;
     explicit View(const ZynHoldingTransfer& record) : record_(&record) {}
     const ZynHoldingTransfer& get() const { return *record_; }
 

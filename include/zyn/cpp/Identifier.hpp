@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynOrderId> {
 public:
-    static constexpr const char* name = "ZynOrderId";
-    static constexpr auto printer = PrintZynOrderId;
+    static constexpr const char* name_ = "ZynOrderId";
+    static constexpr auto printer_ = PrintZynOrderId;
     explicit View(const ZynOrderId& record) : record_(&record) {}
     const ZynOrderId& get() const { return *record_; }
 
@@ -35,8 +35,8 @@ template <> struct Init<ZynOrderId> {
 
 template <> class View<ZynTradeId> {
 public:
-    static constexpr const char* name = "ZynTradeId";
-    static constexpr auto printer = PrintZynTradeId;
+    static constexpr const char* name_ = "ZynTradeId";
+    static constexpr auto printer_ = PrintZynTradeId;
     explicit View(const ZynTradeId& record) : record_(&record) {}
     const ZynTradeId& get() const { return *record_; }
 
@@ -59,8 +59,8 @@ template <> struct Init<ZynTradeId> {
 
 template <> class View<ZynCashPosAccId> {
 public:
-    static constexpr const char* name = "ZynCashPosAccId";
-    static constexpr auto printer = PrintZynCashPosAccId;
+    static constexpr const char* name_ = "ZynCashPosAccId";
+    static constexpr auto printer_ = PrintZynCashPosAccId;
     explicit View(const ZynCashPosAccId& record) : record_(&record) {}
     const ZynCashPosAccId& get() const { return *record_; }
 
@@ -85,8 +85,8 @@ template <> struct Init<ZynCashPosAccId> {
 
 template <> class View<ZynCashPosFirmId> {
 public:
-    static constexpr const char* name = "ZynCashPosFirmId";
-    static constexpr auto printer = PrintZynCashPosFirmId;
+    static constexpr const char* name_ = "ZynCashPosFirmId";
+    static constexpr auto printer_ = PrintZynCashPosFirmId;
     explicit View(const ZynCashPosFirmId& record) : record_(&record) {}
     const ZynCashPosFirmId& get() const { return *record_; }
 
@@ -109,8 +109,8 @@ template <> struct Init<ZynCashPosFirmId> {
 
 template <> class View<ZynCashPosUserId> {
 public:
-    static constexpr const char* name = "ZynCashPosUserId";
-    static constexpr auto printer = PrintZynCashPosUserId;
+    static constexpr const char* name_ = "ZynCashPosUserId";
+    static constexpr auto printer_ = PrintZynCashPosUserId;
     explicit View(const ZynCashPosUserId& record) : record_(&record) {}
     const ZynCashPosUserId& get() const { return *record_; }
 
@@ -133,8 +133,8 @@ template <> struct Init<ZynCashPosUserId> {
 
 template <> class View<ZynEventSubject> {
 public:
-    static constexpr const char* name = "ZynEventSubject";
-    static constexpr auto printer = PrintZynEventSubject;
+    static constexpr const char* name_ = "ZynEventSubject";
+    static constexpr auto printer_ = PrintZynEventSubject;
     explicit View(const ZynEventSubject& record) : record_(&record) {}
     const ZynEventSubject& get() const { return *record_; }
 
@@ -157,8 +157,8 @@ template <> struct Init<ZynEventSubject> {
 
 template <> class View<ZynInstrBoardId> {
 public:
-    static constexpr const char* name = "ZynInstrBoardId";
-    static constexpr auto printer = PrintZynInstrBoardId;
+    static constexpr const char* name_ = "ZynInstrBoardId";
+    static constexpr auto printer_ = PrintZynInstrBoardId;
     explicit View(const ZynInstrBoardId& record) : record_(&record) {}
     const ZynInstrBoardId& get() const { return *record_; }
 
@@ -181,8 +181,8 @@ template <> struct Init<ZynInstrBoardId> {
 
 template <> class View<ZynSecBoardId> {
 public:
-    static constexpr const char* name = "ZynSecBoardId";
-    static constexpr auto printer = PrintZynSecBoardId;
+    static constexpr const char* name_ = "ZynSecBoardId";
+    static constexpr auto printer_ = PrintZynSecBoardId;
     explicit View(const ZynSecBoardId& record) : record_(&record) {}
     const ZynSecBoardId& get() const { return *record_; }
 
@@ -205,8 +205,8 @@ template <> struct Init<ZynSecBoardId> {
 
 template <> class View<ZynSecOptBoardId> {
 public:
-    static constexpr const char* name = "ZynSecOptBoardId";
-    static constexpr auto printer = PrintZynSecOptBoardId;
+    static constexpr const char* name_ = "ZynSecOptBoardId";
+    static constexpr auto printer_ = PrintZynSecOptBoardId;
     explicit View(const ZynSecOptBoardId& record) : record_(&record) {}
     const ZynSecOptBoardId& get() const { return *record_; }
 
@@ -229,8 +229,8 @@ template <> struct Init<ZynSecOptBoardId> {
 
 template <> class View<ZynSurvStats> {
 public:
-    static constexpr const char* name = "ZynSurvStats";
-    static constexpr auto printer = PrintZynSurvStats;
+    static constexpr const char* name_ = "ZynSurvStats";
+    static constexpr auto printer_ = PrintZynSurvStats;
     explicit View(const ZynSurvStats& record) : record_(&record) {}
     const ZynSurvStats& get() const { return *record_; }
 
@@ -253,8 +253,8 @@ template <> struct Init<ZynSurvStats> {
 
 template <> class View<ZynTradeAllocation> {
 public:
-    static constexpr const char* name = "ZynTradeAllocation";
-    static constexpr auto printer = PrintZynTradeAllocation;
+    static constexpr const char* name_ = "ZynTradeAllocation";
+    static constexpr auto printer_ = PrintZynTradeAllocation;
     explicit View(const ZynTradeAllocation& record) : record_(&record) {}
     const ZynTradeAllocation& get() const { return *record_; }
 
@@ -279,8 +279,8 @@ template <> struct Init<ZynTradeAllocation> {
 
 template <> class View<ZynTrdAccFirmId> {
 public:
-    static constexpr const char* name = "ZynTrdAccFirmId";
-    static constexpr auto printer = PrintZynTrdAccFirmId;
+    static constexpr const char* name_ = "ZynTrdAccFirmId";
+    static constexpr auto printer_ = PrintZynTrdAccFirmId;
     explicit View(const ZynTrdAccFirmId& record) : record_(&record) {}
     const ZynTrdAccFirmId& get() const { return *record_; }
 
@@ -303,8 +303,8 @@ template <> struct Init<ZynTrdAccFirmId> {
 
 template <> class View<ZynTrdAccGrpFirmId> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpFirmId";
-    static constexpr auto printer = PrintZynTrdAccGrpFirmId;
+    static constexpr const char* name_ = "ZynTrdAccGrpFirmId";
+    static constexpr auto printer_ = PrintZynTrdAccGrpFirmId;
     explicit View(const ZynTrdAccGrpFirmId& record) : record_(&record) {}
     const ZynTrdAccGrpFirmId& get() const { return *record_; }
 
@@ -327,8 +327,8 @@ template <> struct Init<ZynTrdAccGrpFirmId> {
 
 template <> class View<ZynTrdAccGrpFirmUserId> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpFirmUserId";
-    static constexpr auto printer = PrintZynTrdAccGrpFirmUserId;
+    static constexpr const char* name_ = "ZynTrdAccGrpFirmUserId";
+    static constexpr auto printer_ = PrintZynTrdAccGrpFirmUserId;
     explicit View(const ZynTrdAccGrpFirmUserId& record) : record_(&record) {}
     const ZynTrdAccGrpFirmUserId& get() const { return *record_; }
 
@@ -353,8 +353,8 @@ template <> struct Init<ZynTrdAccGrpFirmUserId> {
 
 template <> class View<ZynTrdAccPosition> {
 public:
-    static constexpr const char* name = "ZynTrdAccPosition";
-    static constexpr auto printer = PrintZynTrdAccPosition;
+    static constexpr const char* name_ = "ZynTrdAccPosition";
+    static constexpr auto printer_ = PrintZynTrdAccPosition;
     explicit View(const ZynTrdAccPosition& record) : record_(&record) {}
     const ZynTrdAccPosition& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynIndexValRepSetOfSeq> {
 public:
-    static constexpr const char* name = "ZynIndexValRepSetOfSeq";
-    static constexpr auto printer = PrintZynIndexValRepSetOfSeq;
+    static constexpr const char* name_ = "ZynIndexValRepSetOfSeq";
+    static constexpr auto printer_ = PrintZynIndexValRepSetOfSeq;
     explicit View(const ZynIndexValRepSetOfSeq& record) : record_(&record) {}
     const ZynIndexValRepSetOfSeq& get() const { return *record_; }
 
@@ -38,8 +38,8 @@ template <> struct Init<ZynIndexValRepSetOfSeq> {
 
 template <> class View<ZynIndexReq> {
 public:
-    static constexpr const char* name = "ZynIndexReq";
-    static constexpr auto printer = PrintZynIndexReq;
+    static constexpr const char* name_ = "ZynIndexReq";
+    static constexpr auto printer_ = PrintZynIndexReq;
     explicit View(const ZynIndexReq& record) : record_(&record) {}
     const ZynIndexReq& get() const { return *record_; }
 
@@ -60,8 +60,8 @@ template <> struct Init<ZynIndexReq> {
 
 template <> class View<ZynIndexRep> {
 public:
-    static constexpr const char* name = "ZynIndexRep";
-    static constexpr auto printer = PrintZynIndexRep;
+    static constexpr const char* name_ = "ZynIndexRep";
+    static constexpr auto printer_ = PrintZynIndexRep;
     explicit View(const ZynIndexRep& record) : record_(&record) {}
     const ZynIndexRep& get() const { return *record_; }
 
@@ -94,8 +94,8 @@ template <> struct Init<ZynIndexRep> {
 
 template <> class View<ZynIndexValReq> {
 public:
-    static constexpr const char* name = "ZynIndexValReq";
-    static constexpr auto printer = PrintZynIndexValReq;
+    static constexpr const char* name_ = "ZynIndexValReq";
+    static constexpr auto printer_ = PrintZynIndexValReq;
     explicit View(const ZynIndexValReq& record) : record_(&record) {}
     const ZynIndexValReq& get() const { return *record_; }
 
@@ -114,8 +114,8 @@ template <> struct Init<ZynIndexValReq> {
 
 template <> class View<ZynIndexValRep> {
 public:
-    static constexpr const char* name = "ZynIndexValRep";
-    static constexpr auto printer = PrintZynIndexValRep;
+    static constexpr const char* name_ = "ZynIndexValRep";
+    static constexpr auto printer_ = PrintZynIndexValRep;
     explicit View(const ZynIndexValRep& record) : record_(&record) {}
     const ZynIndexValRep& get() const { return *record_; }
 
@@ -136,8 +136,8 @@ template <> struct Init<ZynIndexValRep> {
 
 template <> class View<ZynIndexSetDivisor> {
 public:
-    static constexpr const char* name = "ZynIndexSetDivisor";
-    static constexpr auto printer = PrintZynIndexSetDivisor;
+    static constexpr const char* name_ = "ZynIndexSetDivisor";
+    static constexpr auto printer_ = PrintZynIndexSetDivisor;
     explicit View(const ZynIndexSetDivisor& record) : record_(&record) {}
     const ZynIndexSetDivisor& get() const { return *record_; }
 
@@ -160,8 +160,8 @@ template <> struct Init<ZynIndexSetDivisor> {
 
 template <> class View<ZynIndexSecBoardSetWeight> {
 public:
-    static constexpr const char* name = "ZynIndexSecBoardSetWeight";
-    static constexpr auto printer = PrintZynIndexSecBoardSetWeight;
+    static constexpr const char* name_ = "ZynIndexSecBoardSetWeight";
+    static constexpr auto printer_ = PrintZynIndexSecBoardSetWeight;
     explicit View(const ZynIndexSecBoardSetWeight& record) : record_(&record) {}
     const ZynIndexSecBoardSetWeight& get() const { return *record_; }
 

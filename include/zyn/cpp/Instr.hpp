@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynInstrReq> {
 public:
-    static constexpr const char* name = "ZynInstrReq";
-    static constexpr auto printer = PrintZynInstrReq;
+    static constexpr const char* name_ = "ZynInstrReq";
+    static constexpr auto printer_ = PrintZynInstrReq;
     explicit View(const ZynInstrReq& record) : record_(&record) {}
     const ZynInstrReq& get() const { return *record_; }
 
@@ -34,8 +34,8 @@ template <> struct Init<ZynInstrReq> {
 
 template <> class View<ZynInstrRep> {
 public:
-    static constexpr const char* name = "ZynInstrRep";
-    static constexpr auto printer = PrintZynInstrRep;
+    static constexpr const char* name_ = "ZynInstrRep";
+    static constexpr auto printer_ = PrintZynInstrRep;
     explicit View(const ZynInstrRep& record) : record_(&record) {}
     const ZynInstrRep& get() const { return *record_; }
 
@@ -68,8 +68,8 @@ template <> struct Init<ZynInstrRep> {
 
 template <> class View<ZynInstrSuspend> {
 public:
-    static constexpr const char* name = "ZynInstrSuspend";
-    static constexpr auto printer = PrintZynInstrSuspend;
+    static constexpr const char* name_ = "ZynInstrSuspend";
+    static constexpr auto printer_ = PrintZynInstrSuspend;
     explicit View(const ZynInstrSuspend& record) : record_(&record) {}
     const ZynInstrSuspend& get() const { return *record_; }
 
@@ -92,8 +92,8 @@ template <> struct Init<ZynInstrSuspend> {
 
 template <> class View<ZynInstrUnsuspend> {
 public:
-    static constexpr const char* name = "ZynInstrUnsuspend";
-    static constexpr auto printer = PrintZynInstrUnsuspend;
+    static constexpr const char* name_ = "ZynInstrUnsuspend";
+    static constexpr auto printer_ = PrintZynInstrUnsuspend;
     explicit View(const ZynInstrUnsuspend& record) : record_(&record) {}
     const ZynInstrUnsuspend& get() const { return *record_; }
 
@@ -116,8 +116,8 @@ template <> struct Init<ZynInstrUnsuspend> {
 
 template <> class View<ZynInstrBoardReq> {
 public:
-    static constexpr const char* name = "ZynInstrBoardReq";
-    static constexpr auto printer = PrintZynInstrBoardReq;
+    static constexpr const char* name_ = "ZynInstrBoardReq";
+    static constexpr auto printer_ = PrintZynInstrBoardReq;
     explicit View(const ZynInstrBoardReq& record) : record_(&record) {}
     const ZynInstrBoardReq& get() const { return *record_; }
 
@@ -138,8 +138,8 @@ template <> struct Init<ZynInstrBoardReq> {
 
 template <> class View<ZynInstrBoardRep> {
 public:
-    static constexpr const char* name = "ZynInstrBoardRep";
-    static constexpr auto printer = PrintZynInstrBoardRep;
+    static constexpr const char* name_ = "ZynInstrBoardRep";
+    static constexpr auto printer_ = PrintZynInstrBoardRep;
     explicit View(const ZynInstrBoardRep& record) : record_(&record) {}
     const ZynInstrBoardRep& get() const { return *record_; }
 

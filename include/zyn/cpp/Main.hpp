@@ -43,8 +43,8 @@ namespace zyn {
 
 template <> class View<ZynTransReqChoice> {
 public:
-    static constexpr const char* name = "ZynTransReqChoice";
-    static constexpr auto printer = PrintZynTransReqChoice;
+    static constexpr const char* name_ = "ZynTransReqChoice";
+    static constexpr auto printer_ = PrintZynTransReqChoice;
     explicit View(const ZynTransReqChoice& record) : record_(&record) {}
     const ZynTransReqChoice& get() const { return *record_; }
 
@@ -290,8 +290,8 @@ private:
 
 template <> class View<ZynQueryReqChoice> {
 public:
-    static constexpr const char* name = "ZynQueryReqChoice";
-    static constexpr auto printer = PrintZynQueryReqChoice;
+    static constexpr const char* name_ = "ZynQueryReqChoice";
+    static constexpr auto printer_ = PrintZynQueryReqChoice;
     explicit View(const ZynQueryReqChoice& record) : record_(&record) {}
     const ZynQueryReqChoice& get() const { return *record_; }
 
@@ -463,8 +463,8 @@ private:
 
 template <> class View<ZynQueryReq> {
 public:
-    static constexpr const char* name = "ZynQueryReq";
-    static constexpr auto printer = PrintZynQueryReq;
+    static constexpr const char* name_ = "ZynQueryReq";
+    static constexpr auto printer_ = PrintZynQueryReq;
     explicit View(const ZynQueryReq& record) : record_(&record) {}
     const ZynQueryReq& get() const { return *record_; }
 
@@ -487,8 +487,8 @@ template <> struct Init<ZynQueryReq> {
 
 template <> class View<ZynQueryRep> {
 public:
-    static constexpr const char* name = "ZynQueryRep";
-    static constexpr auto printer = PrintZynQueryRep;
+    static constexpr const char* name_ = "ZynQueryRep";
+    static constexpr auto printer_ = PrintZynQueryRep;
     explicit View(const ZynQueryRep& record) : record_(&record) {}
     const ZynQueryRep& get() const { return *record_; }
 
@@ -654,8 +654,8 @@ private:
 
 template <> class View<ZynTransReq> {
 public:
-    static constexpr const char* name = "ZynTransReq";
-    static constexpr auto printer = PrintZynTransReq;
+    static constexpr const char* name_ = "ZynTransReq";
+    static constexpr auto printer_ = PrintZynTransReq;
     explicit View(const ZynTransReq& record) : record_(&record) {}
     const ZynTransReq& get() const { return *record_; }
 
@@ -678,8 +678,8 @@ template <> struct Init<ZynTransReq> {
 
 template <> class View<ZynTransRep> {
 public:
-    static constexpr const char* name = "ZynTransRep";
-    static constexpr auto printer = PrintZynTransRep;
+    static constexpr const char* name_ = "ZynTransRep";
+    static constexpr auto printer_ = PrintZynTransRep;
     explicit View(const ZynTransRep& record) : record_(&record) {}
     const ZynTransRep& get() const { return *record_; }
 
@@ -717,7 +717,7 @@ private:
 
 template <typename F> decltype(auto) View<ZynTransReqChoice>::visit(F&& f) const {
     switch (record_->choiceId) {
-    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(*record_->null));
+    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(record_->null ? *record_->null : detail::empty<ZynNull>));
     case 385: return detail::visitWith<385>(std::forward<F>(f), View<ZynPermissionSet>(*record_->permissionSet));
     case 386: return detail::visitWith<386>(std::forward<F>(f), View<ZynPermissionSetMsgGroupAccess>(*record_->permissionSetMsgGroupAccess));
     case 387: return detail::visitWith<387>(std::forward<F>(f), View<ZynMessageAdd>(*record_->messageAdd));
@@ -743,8 +743,8 @@ template <typename F> decltype(auto) View<ZynTransReqChoice>::visit(F&& f) const
     case 408: return detail::visitWith<408>(std::forward<F>(f), View<ZynMarketUnsuspend>(*record_->marketUnsuspend));
     case 409: return detail::visitWith<409>(std::forward<F>(f), View<ZynMarketSuspend>(*record_->marketSuspend));
     case 410: return detail::visitWith<410>(std::forward<F>(f), View<ZynControlEventRemove>(*record_->controlEventRemove));
-    case 411: return detail::visitWith<411>(std::forward<F>(f), View<ZynTEOpen>(*record_->teOpen));
-    case 412: return detail::visitWith<412>(std::forward<F>(f), View<ZynTEClose>(*record_->teClose));
+    case 411: return detail::visitWith<411>(std::forward<F>(f), View<ZynTEOpen>(record_->teOpen ? *record_->teOpen : detail::empty<ZynTEOpen>));
+    case 412: return detail::visitWith<412>(std::forward<F>(f), View<ZynTEClose>(record_->teClose ? *record_->teClose : detail::empty<ZynTEClose>));
     case 413: return detail::visitWith<413>(std::forward<F>(f), View<ZynTESuspend>(*record_->teSuspend));
     case 414: return detail::visitWith<414>(std::forward<F>(f), View<ZynTEUnsuspend>(*record_->teUnsuspend));
     case 415: return detail::visitWith<415>(std::forward<F>(f), View<ZynTimerEventExecute>(*record_->timerEventExecute));
@@ -781,7 +781,7 @@ template <typename F> decltype(auto) View<ZynTransReqChoice>::visit(F&& f) const
     case 453: return detail::visitWith<453>(std::forward<F>(f), View<ZynTrdEventAdd>(*record_->trdEventAdd));
     case 454: return detail::visitWith<454>(std::forward<F>(f), View<ZynTrdEventRemove>(*record_->trdEventRemove));
     case 455: return detail::visitWith<455>(std::forward<F>(f), View<ZynUserLogon>(*record_->userLogon));
-    case 456: return detail::visitWith<456>(std::forward<F>(f), View<ZynUserLogoff>(*record_->userLogoff));
+    case 456: return detail::visitWith<456>(std::forward<F>(f), View<ZynUserLogoff>(record_->userLogoff ? *record_->userLogoff : detail::empty<ZynUserLogoff>));
     case 457: return detail::visitWith<457>(std::forward<F>(f), View<ZynUserSetDefaultRole>(*record_->userSetDefaultRole));
     case 458: return detail::visitWith<458>(std::forward<F>(f), View<ZynUserForceLogoff>(*record_->userForceLogoff));
     case 461: return detail::visitWith<461>(std::forward<F>(f), View<ZynUserSetOrderApprovalFlag>(*record_->userSetOrderApprovalFlag));
@@ -794,7 +794,7 @@ template <typename F> decltype(auto) View<ZynTransReqChoice>::visit(F&& f) const
     case 468: return detail::visitWith<468>(std::forward<F>(f), View<ZynUserSuspend>(*record_->userSuspend));
     case 469: return detail::visitWith<469>(std::forward<F>(f), View<ZynUserUnsuspend>(*record_->userUnsuspend));
     case 470: return detail::visitWith<470>(std::forward<F>(f), View<ZynExternalMsgAdd>(*record_->externalMsgAdd));
-    case 471: return detail::visitWith<471>(std::forward<F>(f), View<ZynExternalMsgDelete>(*record_->externalMsgDelete));
+    case 471: return detail::visitWith<471>(std::forward<F>(f), View<ZynExternalMsgDelete>(record_->externalMsgDelete ? *record_->externalMsgDelete : detail::empty<ZynExternalMsgDelete>));
     case 472: return detail::visitWith<472>(std::forward<F>(f), View<ZynHoldingFreeze>(*record_->holdingFreeze));
     case 473: return detail::visitWith<473>(std::forward<F>(f), View<ZynHoldingPledge>(*record_->holdingPledge));
     case 474: return detail::visitWith<474>(std::forward<F>(f), View<ZynHoldingTransfer>(*record_->holdingTransfer));
@@ -1471,7 +1471,7 @@ inline Init<ZynTransReqChoice> Init<ZynTransReqChoice>::permissionDelete(Ref<Zyn
 }
 template <typename F> decltype(auto) View<ZynQueryReqChoice>::visit(F&& f) const {
     switch (record_->choiceId) {
-    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(*record_->null));
+    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(record_->null ? *record_->null : detail::empty<ZynNull>));
     case 256: return detail::visitWith<256>(std::forward<F>(f), View<ZynPermissionReq>(*record_->permissionReq));
     case 257: return detail::visitWith<257>(std::forward<F>(f), View<ZynAuditEventGroupReq>(*record_->auditEventGroupReq));
     case 258: return detail::visitWith<258>(std::forward<F>(f), View<ZynAuditEventTypeReq>(*record_->auditEventTypeReq));
@@ -1486,7 +1486,7 @@ template <typename F> decltype(auto) View<ZynQueryReqChoice>::visit(F&& f) const
     case 267: return detail::visitWith<267>(std::forward<F>(f), View<ZynQuoteBasisReq>(*record_->quoteBasisReq));
     case 268: return detail::visitWith<268>(std::forward<F>(f), View<ZynHoldingChangeReq>(*record_->holdingChangeReq));
     case 269: return detail::visitWith<269>(std::forward<F>(f), View<ZynIndexReq>(*record_->indexReq));
-    case 270: return detail::visitWith<270>(std::forward<F>(f), View<ZynIndexValReq>(*record_->indexValReq));
+    case 270: return detail::visitWith<270>(std::forward<F>(f), View<ZynIndexValReq>(record_->indexValReq ? *record_->indexValReq : detail::empty<ZynIndexValReq>));
     case 271: return detail::visitWith<271>(std::forward<F>(f), View<ZynInstrReq>(*record_->instrReq));
     case 273: return detail::visitWith<273>(std::forward<F>(f), View<ZynMessageReq>(*record_->messageReq));
     case 274: return detail::visitWith<274>(std::forward<F>(f), View<ZynNewsHeaderReq>(*record_->newsHeaderReq));
@@ -1494,7 +1494,7 @@ template <typename F> decltype(auto) View<ZynQueryReqChoice>::visit(F&& f) const
     case 277: return detail::visitWith<277>(std::forward<F>(f), View<ZynControlEventReq>(*record_->controlEventReq));
     case 278: return detail::visitWith<278>(std::forward<F>(f), View<ZynStatsReq>(*record_->statsReq));
     case 279: return detail::visitWith<279>(std::forward<F>(f), View<ZynLanguageReq>(*record_->languageReq));
-    case 280: return detail::visitWith<280>(std::forward<F>(f), View<ZynSysTimeReq>(*record_->sysTimeReq));
+    case 280: return detail::visitWith<280>(std::forward<F>(f), View<ZynSysTimeReq>(record_->sysTimeReq ? *record_->sysTimeReq : detail::empty<ZynSysTimeReq>));
     case 281: return detail::visitWith<281>(std::forward<F>(f), View<ZynNegDealSingleReq>(*record_->negDealSingleReq));
     case 282: return detail::visitWith<282>(std::forward<F>(f), View<ZynNegDealReq>(*record_->negDealReq));
     case 283: return detail::visitWith<283>(std::forward<F>(f), View<ZynNewsTypeReq>(*record_->newsTypeReq));
@@ -1975,7 +1975,7 @@ inline void Init<ZynQueryReq>::fill([[maybe_unused]] ZynQueryReq& to, [[maybe_un
 }
 template <typename F> decltype(auto) View<ZynQueryRep>::visit(F&& f) const {
     switch (record_->choiceId) {
-    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(*record_->null));
+    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(record_->null ? *record_->null : detail::empty<ZynNull>));
     case 256: return detail::visitWith<256>(std::forward<F>(f), View<ZynPermissionRep>(*record_->permissionRep));
     case 257: return detail::visitWith<257>(std::forward<F>(f), View<ZynAuditEventGroupRep>(*record_->auditEventGroupRep));
     case 258: return detail::visitWith<258>(std::forward<F>(f), View<ZynAuditEventTypeRep>(*record_->auditEventTypeRep));
@@ -2479,7 +2479,7 @@ inline void Init<ZynTransReq>::fill([[maybe_unused]] ZynTransReq& to, [[maybe_un
 }
 template <typename F> decltype(auto) View<ZynTransRep>::visit(F&& f) const {
     switch (record_->choiceId) {
-    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(*record_->null));
+    case 0: return detail::visitWith<0>(std::forward<F>(f), View<ZynNull>(record_->null ? *record_->null : detail::empty<ZynNull>));
     case 17: return detail::visitWith<17>(std::forward<F>(f), View<ZynReplyBad>(*record_->replyBad));
     case 18: return detail::visitWith<18>(std::forward<F>(f), View<ZynReplyOK>(*record_->replyOK));
     }

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynMarketReq> {
 public:
-    static constexpr const char* name = "ZynMarketReq";
-    static constexpr auto printer = PrintZynMarketReq;
+    static constexpr const char* name_ = "ZynMarketReq";
+    static constexpr auto printer_ = PrintZynMarketReq;
     explicit View(const ZynMarketReq& record) : record_(&record) {}
     const ZynMarketReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynMarketReq> {
 
 template <> class View<ZynMarketRep> {
 public:
-    static constexpr const char* name = "ZynMarketRep";
-    static constexpr auto printer = PrintZynMarketRep;
+    static constexpr const char* name_ = "ZynMarketRep";
+    static constexpr auto printer_ = PrintZynMarketRep;
     explicit View(const ZynMarketRep& record) : record_(&record) {}
     const ZynMarketRep& get() const { return *record_; }
 
@@ -61,8 +61,8 @@ template <> struct Init<ZynMarketRep> {
 
 template <> class View<ZynMarketUnsuspend> {
 public:
-    static constexpr const char* name = "ZynMarketUnsuspend";
-    static constexpr auto printer = PrintZynMarketUnsuspend;
+    static constexpr const char* name_ = "ZynMarketUnsuspend";
+    static constexpr auto printer_ = PrintZynMarketUnsuspend;
     explicit View(const ZynMarketUnsuspend& record) : record_(&record) {}
     const ZynMarketUnsuspend& get() const { return *record_; }
 
@@ -85,8 +85,8 @@ template <> struct Init<ZynMarketUnsuspend> {
 
 template <> class View<ZynMarketSuspend> {
 public:
-    static constexpr const char* name = "ZynMarketSuspend";
-    static constexpr auto printer = PrintZynMarketSuspend;
+    static constexpr const char* name_ = "ZynMarketSuspend";
+    static constexpr auto printer_ = PrintZynMarketSuspend;
     explicit View(const ZynMarketSuspend& record) : record_(&record) {}
     const ZynMarketSuspend& get() const { return *record_; }
 

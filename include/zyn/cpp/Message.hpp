@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynMessageTemplateReq> {
 public:
-    static constexpr const char* name = "ZynMessageTemplateReq";
-    static constexpr auto printer = PrintZynMessageTemplateReq;
+    static constexpr const char* name_ = "ZynMessageTemplateReq";
+    static constexpr auto printer_ = PrintZynMessageTemplateReq;
     explicit View(const ZynMessageTemplateReq& record) : record_(&record) {}
     const ZynMessageTemplateReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynMessageTemplateReq> {
 
 template <> class View<ZynMessageTemplateRep> {
 public:
-    static constexpr const char* name = "ZynMessageTemplateRep";
-    static constexpr auto printer = PrintZynMessageTemplateRep;
+    static constexpr const char* name_ = "ZynMessageTemplateRep";
+    static constexpr auto printer_ = PrintZynMessageTemplateRep;
     explicit View(const ZynMessageTemplateRep& record) : record_(&record) {}
     const ZynMessageTemplateRep& get() const { return *record_; }
 
@@ -59,8 +59,8 @@ template <> struct Init<ZynMessageTemplateRep> {
 
 template <> class View<ZynMessageAdd> {
 public:
-    static constexpr const char* name = "ZynMessageAdd";
-    static constexpr auto printer = PrintZynMessageAdd;
+    static constexpr const char* name_ = "ZynMessageAdd";
+    static constexpr auto printer_ = PrintZynMessageAdd;
     explicit View(const ZynMessageAdd& record) : record_(&record) {}
     const ZynMessageAdd& get() const { return *record_; }
 
@@ -91,8 +91,8 @@ template <> struct Init<ZynMessageAdd> {
 
 template <> class View<ZynMessageEdit> {
 public:
-    static constexpr const char* name = "ZynMessageEdit";
-    static constexpr auto printer = PrintZynMessageEdit;
+    static constexpr const char* name_ = "ZynMessageEdit";
+    static constexpr auto printer_ = PrintZynMessageEdit;
     explicit View(const ZynMessageEdit& record) : record_(&record) {}
     const ZynMessageEdit& get() const { return *record_; }
 
@@ -125,8 +125,8 @@ template <> struct Init<ZynMessageEdit> {
 
 template <> class View<ZynMessageRemove> {
 public:
-    static constexpr const char* name = "ZynMessageRemove";
-    static constexpr auto printer = PrintZynMessageRemove;
+    static constexpr const char* name_ = "ZynMessageRemove";
+    static constexpr auto printer_ = PrintZynMessageRemove;
     explicit View(const ZynMessageRemove& record) : record_(&record) {}
     const ZynMessageRemove& get() const { return *record_; }
 
@@ -147,8 +147,8 @@ template <> struct Init<ZynMessageRemove> {
 
 template <> class View<ZynMessageReq> {
 public:
-    static constexpr const char* name = "ZynMessageReq";
-    static constexpr auto printer = PrintZynMessageReq;
+    static constexpr const char* name_ = "ZynMessageReq";
+    static constexpr auto printer_ = PrintZynMessageReq;
     explicit View(const ZynMessageReq& record) : record_(&record) {}
     const ZynMessageReq& get() const { return *record_; }
 
@@ -169,8 +169,8 @@ template <> struct Init<ZynMessageReq> {
 
 template <> class View<ZynMessageRep> {
 public:
-    static constexpr const char* name = "ZynMessageRep";
-    static constexpr auto printer = PrintZynMessageRep;
+    static constexpr const char* name_ = "ZynMessageRep";
+    static constexpr auto printer_ = PrintZynMessageRep;
     explicit View(const ZynMessageRep& record) : record_(&record) {}
     const ZynMessageRep& get() const { return *record_; }
 

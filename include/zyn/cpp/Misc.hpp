@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynStatsRepStatic> {
 public:
-    static constexpr const char* name = "ZynStatsRepStatic";
-    static constexpr auto printer = PrintZynStatsRepStatic;
+    static constexpr const char* name_ = "ZynStatsRepStatic";
+    static constexpr auto printer_ = PrintZynStatsRepStatic;
     explicit View(const ZynStatsRepStatic& record) : record_(&record) {}
     const ZynStatsRepStatic& get() const { return *record_; }
 
@@ -90,8 +90,8 @@ template <> struct Init<ZynStatsRepStatic> {
 
 template <> class View<ZynStatsRepDynamic> {
 public:
-    static constexpr const char* name = "ZynStatsRepDynamic";
-    static constexpr auto printer = PrintZynStatsRepDynamic;
+    static constexpr const char* name_ = "ZynStatsRepDynamic";
+    static constexpr auto printer_ = PrintZynStatsRepDynamic;
     explicit View(const ZynStatsRepDynamic& record) : record_(&record) {}
     const ZynStatsRepDynamic& get() const { return *record_; }
 
@@ -128,8 +128,8 @@ template <> struct Init<ZynStatsRepDynamic> {
 
 template <> class View<ZynControlEventReq> {
 public:
-    static constexpr const char* name = "ZynControlEventReq";
-    static constexpr auto printer = PrintZynControlEventReq;
+    static constexpr const char* name_ = "ZynControlEventReq";
+    static constexpr auto printer_ = PrintZynControlEventReq;
     explicit View(const ZynControlEventReq& record) : record_(&record) {}
     const ZynControlEventReq& get() const { return *record_; }
 
@@ -150,8 +150,8 @@ template <> struct Init<ZynControlEventReq> {
 
 template <> class View<ZynControlEventRep> {
 public:
-    static constexpr const char* name = "ZynControlEventRep";
-    static constexpr auto printer = PrintZynControlEventRep;
+    static constexpr const char* name_ = "ZynControlEventRep";
+    static constexpr auto printer_ = PrintZynControlEventRep;
     explicit View(const ZynControlEventRep& record) : record_(&record) {}
     const ZynControlEventRep& get() const { return *record_; }
 
@@ -190,8 +190,8 @@ template <> struct Init<ZynControlEventRep> {
 
 template <> class View<ZynControlEventRemove> {
 public:
-    static constexpr const char* name = "ZynControlEventRemove";
-    static constexpr auto printer = PrintZynControlEventRemove;
+    static constexpr const char* name_ = "ZynControlEventRemove";
+    static constexpr auto printer_ = PrintZynControlEventRemove;
     explicit View(const ZynControlEventRemove& record) : record_(&record) {}
     const ZynControlEventRemove& get() const { return *record_; }
 
@@ -212,8 +212,8 @@ template <> struct Init<ZynControlEventRemove> {
 
 template <> class View<ZynStatsReq> {
 public:
-    static constexpr const char* name = "ZynStatsReq";
-    static constexpr auto printer = PrintZynStatsReq;
+    static constexpr const char* name_ = "ZynStatsReq";
+    static constexpr auto printer_ = PrintZynStatsReq;
     explicit View(const ZynStatsReq& record) : record_(&record) {}
     const ZynStatsReq& get() const { return *record_; }
 
@@ -234,8 +234,8 @@ template <> struct Init<ZynStatsReq> {
 
 template <> class View<ZynStatsRep> {
 public:
-    static constexpr const char* name = "ZynStatsRep";
-    static constexpr auto printer = PrintZynStatsRep;
+    static constexpr const char* name_ = "ZynStatsRep";
+    static constexpr auto printer_ = PrintZynStatsRep;
     explicit View(const ZynStatsRep& record) : record_(&record) {}
     const ZynStatsRep& get() const { return *record_; }
 
@@ -262,8 +262,8 @@ template <> struct Init<ZynStatsRep> {
 
 template <> class View<ZynLanguageReq> {
 public:
-    static constexpr const char* name = "ZynLanguageReq";
-    static constexpr auto printer = PrintZynLanguageReq;
+    static constexpr const char* name_ = "ZynLanguageReq";
+    static constexpr auto printer_ = PrintZynLanguageReq;
     explicit View(const ZynLanguageReq& record) : record_(&record) {}
     const ZynLanguageReq& get() const { return *record_; }
 
@@ -284,8 +284,8 @@ template <> struct Init<ZynLanguageReq> {
 
 template <> class View<ZynLanguageRep> {
 public:
-    static constexpr const char* name = "ZynLanguageRep";
-    static constexpr auto printer = PrintZynLanguageRep;
+    static constexpr const char* name_ = "ZynLanguageRep";
+    static constexpr auto printer_ = PrintZynLanguageRep;
     explicit View(const ZynLanguageRep& record) : record_(&record) {}
     const ZynLanguageRep& get() const { return *record_; }
 
@@ -310,8 +310,8 @@ template <> struct Init<ZynLanguageRep> {
 
 template <> class View<ZynSysTimeReq> {
 public:
-    static constexpr const char* name = "ZynSysTimeReq";
-    static constexpr auto printer = PrintZynSysTimeReq;
+    static constexpr const char* name_ = "ZynSysTimeReq";
+    static constexpr auto printer_ = PrintZynSysTimeReq;
     explicit View(const ZynSysTimeReq& record) : record_(&record) {}
     const ZynSysTimeReq& get() const { return *record_; }
 
@@ -330,8 +330,8 @@ template <> struct Init<ZynSysTimeReq> {
 
 template <> class View<ZynSysTimeRep> {
 public:
-    static constexpr const char* name = "ZynSysTimeRep";
-    static constexpr auto printer = PrintZynSysTimeRep;
+    static constexpr const char* name_ = "ZynSysTimeRep";
+    static constexpr auto printer_ = PrintZynSysTimeRep;
     explicit View(const ZynSysTimeRep& record) : record_(&record) {}
     const ZynSysTimeRep& get() const { return *record_; }
 
@@ -356,8 +356,8 @@ template <> struct Init<ZynSysTimeRep> {
 
 template <> class View<ZynTEOpen> {
 public:
-    static constexpr const char* name = "ZynTEOpen";
-    static constexpr auto printer = PrintZynTEOpen;
+    static constexpr const char* name_ = "ZynTEOpen";
+    static constexpr auto printer_ = PrintZynTEOpen;
     explicit View(const ZynTEOpen& record) : record_(&record) {}
     const ZynTEOpen& get() const { return *record_; }
 
@@ -376,8 +376,8 @@ template <> struct Init<ZynTEOpen> {
 
 template <> class View<ZynTEClose> {
 public:
-    static constexpr const char* name = "ZynTEClose";
-    static constexpr auto printer = PrintZynTEClose;
+    static constexpr const char* name_ = "ZynTEClose";
+    static constexpr auto printer_ = PrintZynTEClose;
     explicit View(const ZynTEClose& record) : record_(&record) {}
     const ZynTEClose& get() const { return *record_; }
 
@@ -396,8 +396,8 @@ template <> struct Init<ZynTEClose> {
 
 template <> class View<ZynTESuspend> {
 public:
-    static constexpr const char* name = "ZynTESuspend";
-    static constexpr auto printer = PrintZynTESuspend;
+    static constexpr const char* name_ = "ZynTESuspend";
+    static constexpr auto printer_ = PrintZynTESuspend;
     explicit View(const ZynTESuspend& record) : record_(&record) {}
     const ZynTESuspend& get() const { return *record_; }
 
@@ -422,8 +422,8 @@ template <> struct Init<ZynTESuspend> {
 
 template <> class View<ZynTEUnsuspend> {
 public:
-    static constexpr const char* name = "ZynTEUnsuspend";
-    static constexpr auto printer = PrintZynTEUnsuspend;
+    static constexpr const char* name_ = "ZynTEUnsuspend";
+    static constexpr auto printer_ = PrintZynTEUnsuspend;
     explicit View(const ZynTEUnsuspend& record) : record_(&record) {}
     const ZynTEUnsuspend& get() const { return *record_; }
 
@@ -448,8 +448,8 @@ template <> struct Init<ZynTEUnsuspend> {
 
 template <> class View<ZynTimerEventExecute> {
 public:
-    static constexpr const char* name = "ZynTimerEventExecute";
-    static constexpr auto printer = PrintZynTimerEventExecute;
+    static constexpr const char* name_ = "ZynTimerEventExecute";
+    static constexpr auto printer_ = PrintZynTimerEventExecute;
     explicit View(const ZynTimerEventExecute& record) : record_(&record) {}
     const ZynTimerEventExecute& get() const { return *record_; }
 
@@ -472,8 +472,8 @@ template <> struct Init<ZynTimerEventExecute> {
 
 template <> class View<ZynTableFullAECreate> {
 public:
-    static constexpr const char* name = "ZynTableFullAECreate";
-    static constexpr auto printer = PrintZynTableFullAECreate;
+    static constexpr const char* name_ = "ZynTableFullAECreate";
+    static constexpr auto printer_ = PrintZynTableFullAECreate;
     explicit View(const ZynTableFullAECreate& record) : record_(&record) {}
     const ZynTableFullAECreate& get() const { return *record_; }
 
@@ -494,8 +494,8 @@ template <> struct Init<ZynTableFullAECreate> {
 
 template <> class View<ZynTransLogStepThrough> {
 public:
-    static constexpr const char* name = "ZynTransLogStepThrough";
-    static constexpr auto printer = PrintZynTransLogStepThrough;
+    static constexpr const char* name_ = "ZynTransLogStepThrough";
+    static constexpr auto printer_ = PrintZynTransLogStepThrough;
     explicit View(const ZynTransLogStepThrough& record) : record_(&record) {}
     const ZynTransLogStepThrough& get() const { return *record_; }
 
@@ -531,8 +531,8 @@ private:
 
 template <> class View<ZynExternalMsgAdd> {
 public:
-    static constexpr const char* name = "ZynExternalMsgAdd";
-    static constexpr auto printer = PrintZynExternalMsgAdd;
+    static constexpr const char* name_ = "ZynExternalMsgAdd";
+    static constexpr auto printer_ = PrintZynExternalMsgAdd;
     explicit View(const ZynExternalMsgAdd& record) : record_(&record) {}
     const ZynExternalMsgAdd& get() const { return *record_; }
 
@@ -559,8 +559,8 @@ template <> struct Init<ZynExternalMsgAdd> {
 
 template <> class View<ZynExternalMsgDelete> {
 public:
-    static constexpr const char* name = "ZynExternalMsgDelete";
-    static constexpr auto printer = PrintZynExternalMsgDelete;
+    static constexpr const char* name_ = "ZynExternalMsgDelete";
+    static constexpr auto printer_ = PrintZynExternalMsgDelete;
     explicit View(const ZynExternalMsgDelete& record) : record_(&record) {}
     const ZynExternalMsgDelete& get() const { return *record_; }
 
@@ -579,8 +579,8 @@ template <> struct Init<ZynExternalMsgDelete> {
 
 template <> class View<ZynExternalMsgReq> {
 public:
-    static constexpr const char* name = "ZynExternalMsgReq";
-    static constexpr auto printer = PrintZynExternalMsgReq;
+    static constexpr const char* name_ = "ZynExternalMsgReq";
+    static constexpr auto printer_ = PrintZynExternalMsgReq;
     explicit View(const ZynExternalMsgReq& record) : record_(&record) {}
     const ZynExternalMsgReq& get() const { return *record_; }
 
@@ -603,8 +603,8 @@ template <> struct Init<ZynExternalMsgReq> {
 
 template <> class View<ZynExternalMsgRep> {
 public:
-    static constexpr const char* name = "ZynExternalMsgRep";
-    static constexpr auto printer = PrintZynExternalMsgRep;
+    static constexpr const char* name_ = "ZynExternalMsgRep";
+    static constexpr auto printer_ = PrintZynExternalMsgRep;
     explicit View(const ZynExternalMsgRep& record) : record_(&record) {}
     const ZynExternalMsgRep& get() const { return *record_; }
 
@@ -631,8 +631,8 @@ template <> struct Init<ZynExternalMsgRep> {
 
 template <> class View<ZynTransReply> {
 public:
-    static constexpr const char* name = "ZynTransReply";
-    static constexpr auto printer = PrintZynTransReply;
+    static constexpr const char* name_ = "ZynTransReply";
+    static constexpr auto printer_ = PrintZynTransReply;
     explicit View(const ZynTransReply& record) : record_(&record) {}
     const ZynTransReply& get() const { return *record_; }
 
@@ -659,8 +659,8 @@ template <> struct Init<ZynTransReply> {
 
 template <> class View<ZynReplyBad> {
 public:
-    static constexpr const char* name = "ZynReplyBad";
-    static constexpr auto printer = PrintZynReplyBad;
+    static constexpr const char* name_ = "ZynReplyBad";
+    static constexpr auto printer_ = PrintZynReplyBad;
     explicit View(const ZynReplyBad& record) : record_(&record) {}
     const ZynReplyBad& get() const { return *record_; }
 
@@ -683,8 +683,8 @@ template <> struct Init<ZynReplyBad> {
 
 template <> class View<ZynReplyOK> {
 public:
-    static constexpr const char* name = "ZynReplyOK";
-    static constexpr auto printer = PrintZynReplyOK;
+    static constexpr const char* name_ = "ZynReplyOK";
+    static constexpr auto printer_ = PrintZynReplyOK;
     explicit View(const ZynReplyOK& record) : record_(&record) {}
     const ZynReplyOK& get() const { return *record_; }
 
@@ -709,8 +709,8 @@ template <> struct Init<ZynReplyOK> {
 
 template <> class View<ZynNull> {
 public:
-    static constexpr const char* name = "ZynNull";
-    static constexpr auto printer = PrintZynNull;
+    static constexpr const char* name_ = "ZynNull";
+    static constexpr auto printer_ = PrintZynNull;
     explicit View(const ZynNull& record) : record_(&record) {}
     const ZynNull& get() const { return *record_; }
 

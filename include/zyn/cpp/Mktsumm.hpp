@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynMktSummByPriceChangeReq> {
 public:
-    static constexpr const char* name = "ZynMktSummByPriceChangeReq";
-    static constexpr auto printer = PrintZynMktSummByPriceChangeReq;
+    static constexpr const char* name_ = "ZynMktSummByPriceChangeReq";
+    static constexpr auto printer_ = PrintZynMktSummByPriceChangeReq;
     explicit View(const ZynMktSummByPriceChangeReq& record) : record_(&record) {}
     const ZynMktSummByPriceChangeReq& get() const { return *record_; }
 
@@ -36,8 +36,8 @@ template <> struct Init<ZynMktSummByPriceChangeReq> {
 
 template <> class View<ZynMktSummByPriceChangeRep> {
 public:
-    static constexpr const char* name = "ZynMktSummByPriceChangeRep";
-    static constexpr auto printer = PrintZynMktSummByPriceChangeRep;
+    static constexpr const char* name_ = "ZynMktSummByPriceChangeRep";
+    static constexpr auto printer_ = PrintZynMktSummByPriceChangeRep;
     explicit View(const ZynMktSummByPriceChangeRep& record) : record_(&record) {}
     const ZynMktSummByPriceChangeRep& get() const { return *record_; }
 
@@ -64,8 +64,8 @@ template <> struct Init<ZynMktSummByPriceChangeRep> {
 
 template <> class View<ZynMktSummByFirmChangeReq> {
 public:
-    static constexpr const char* name = "ZynMktSummByFirmChangeReq";
-    static constexpr auto printer = PrintZynMktSummByFirmChangeReq;
+    static constexpr const char* name_ = "ZynMktSummByFirmChangeReq";
+    static constexpr auto printer_ = PrintZynMktSummByFirmChangeReq;
     explicit View(const ZynMktSummByFirmChangeReq& record) : record_(&record) {}
     const ZynMktSummByFirmChangeReq& get() const { return *record_; }
 
@@ -90,8 +90,8 @@ template <> struct Init<ZynMktSummByFirmChangeReq> {
 
 template <> class View<ZynMktSummByFirmChangeRep> {
 public:
-    static constexpr const char* name = "ZynMktSummByFirmChangeRep";
-    static constexpr auto printer = PrintZynMktSummByFirmChangeRep;
+    static constexpr const char* name_ = "ZynMktSummByFirmChangeRep";
+    static constexpr auto printer_ = PrintZynMktSummByFirmChangeRep;
     explicit View(const ZynMktSummByFirmChangeRep& record) : record_(&record) {}
     const ZynMktSummByFirmChangeRep& get() const { return *record_; }
 
@@ -120,8 +120,8 @@ template <> struct Init<ZynMktSummByFirmChangeRep> {
 
 template <> class View<ZynMktSummByUserChangeReq> {
 public:
-    static constexpr const char* name = "ZynMktSummByUserChangeReq";
-    static constexpr auto printer = PrintZynMktSummByUserChangeReq;
+    static constexpr const char* name_ = "ZynMktSummByUserChangeReq";
+    static constexpr auto printer_ = PrintZynMktSummByUserChangeReq;
     explicit View(const ZynMktSummByUserChangeReq& record) : record_(&record) {}
     const ZynMktSummByUserChangeReq& get() const { return *record_; }
 
@@ -148,8 +148,8 @@ template <> struct Init<ZynMktSummByUserChangeReq> {
 
 template <> class View<ZynMktSummByUserChangeRep> {
 public:
-    static constexpr const char* name = "ZynMktSummByUserChangeRep";
-    static constexpr auto printer = PrintZynMktSummByUserChangeRep;
+    static constexpr const char* name_ = "ZynMktSummByUserChangeRep";
+    static constexpr auto printer_ = PrintZynMktSummByUserChangeRep;
     explicit View(const ZynMktSummByUserChangeRep& record) : record_(&record) {}
     const ZynMktSummByUserChangeRep& get() const { return *record_; }
 

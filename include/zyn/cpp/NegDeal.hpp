@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynNegDealRepStatic> {
 public:
-    static constexpr const char* name = "ZynNegDealRepStatic";
-    static constexpr auto printer = PrintZynNegDealRepStatic;
+    static constexpr const char* name_ = "ZynNegDealRepStatic";
+    static constexpr auto printer_ = PrintZynNegDealRepStatic;
     explicit View(const ZynNegDealRepStatic& record) : record_(&record) {}
     const ZynNegDealRepStatic& get() const { return *record_; }
 
@@ -78,8 +78,8 @@ template <> struct Init<ZynNegDealRepStatic> {
 
 template <> class View<ZynNegDealRepDynamic> {
 public:
-    static constexpr const char* name = "ZynNegDealRepDynamic";
-    static constexpr auto printer = PrintZynNegDealRepDynamic;
+    static constexpr const char* name_ = "ZynNegDealRepDynamic";
+    static constexpr auto printer_ = PrintZynNegDealRepDynamic;
     explicit View(const ZynNegDealRepDynamic& record) : record_(&record) {}
     const ZynNegDealRepDynamic& get() const { return *record_; }
 
@@ -100,8 +100,8 @@ template <> struct Init<ZynNegDealRepDynamic> {
 
 template <> class View<ZynNegDealCrossDetails> {
 public:
-    static constexpr const char* name = "ZynNegDealCrossDetails";
-    static constexpr auto printer = PrintZynNegDealCrossDetails;
+    static constexpr const char* name_ = "ZynNegDealCrossDetails";
+    static constexpr auto printer_ = PrintZynNegDealCrossDetails;
     explicit View(const ZynNegDealCrossDetails& record) : record_(&record) {}
     const ZynNegDealCrossDetails& get() const { return *record_; }
 
@@ -136,8 +136,8 @@ template <> struct Init<ZynNegDealCrossDetails> {
 
 template <> class View<ZynNegDealTwoSidedDetails> {
 public:
-    static constexpr const char* name = "ZynNegDealTwoSidedDetails";
-    static constexpr auto printer = PrintZynNegDealTwoSidedDetails;
+    static constexpr const char* name_ = "ZynNegDealTwoSidedDetails";
+    static constexpr auto printer_ = PrintZynNegDealTwoSidedDetails;
     explicit View(const ZynNegDealTwoSidedDetails& record) : record_(&record) {}
     const ZynNegDealTwoSidedDetails& get() const { return *record_; }
 
@@ -170,8 +170,8 @@ template <> struct Init<ZynNegDealTwoSidedDetails> {
 
 template <> class View<ZynNegDealRep> {
 public:
-    static constexpr const char* name = "ZynNegDealRep";
-    static constexpr auto printer = PrintZynNegDealRep;
+    static constexpr const char* name_ = "ZynNegDealRep";
+    static constexpr auto printer_ = PrintZynNegDealRep;
     explicit View(const ZynNegDealRep& record) : record_(&record) {}
     const ZynNegDealRep& get() const { return *record_; }
 
@@ -198,8 +198,8 @@ template <> struct Init<ZynNegDealRep> {
 
 template <> class View<ZynNegDealCPDetails> {
 public:
-    static constexpr const char* name = "ZynNegDealCPDetails";
-    static constexpr auto printer = PrintZynNegDealCPDetails;
+    static constexpr const char* name_ = "ZynNegDealCPDetails";
+    static constexpr auto printer_ = PrintZynNegDealCPDetails;
     explicit View(const ZynNegDealCPDetails& record) : record_(&record) {}
     const ZynNegDealCPDetails& get() const { return *record_; }
 
@@ -235,8 +235,8 @@ private:
 
 template <> class View<ZynNegDealReq> {
 public:
-    static constexpr const char* name = "ZynNegDealReq";
-    static constexpr auto printer = PrintZynNegDealReq;
+    static constexpr const char* name_ = "ZynNegDealReq";
+    static constexpr auto printer_ = PrintZynNegDealReq;
     explicit View(const ZynNegDealReq& record) : record_(&record) {}
     const ZynNegDealReq& get() const { return *record_; }
 
@@ -257,8 +257,8 @@ template <> struct Init<ZynNegDealReq> {
 
 template <> class View<ZynNegDealSingleReq> {
 public:
-    static constexpr const char* name = "ZynNegDealSingleReq";
-    static constexpr auto printer = PrintZynNegDealSingleReq;
+    static constexpr const char* name_ = "ZynNegDealSingleReq";
+    static constexpr auto printer_ = PrintZynNegDealSingleReq;
     explicit View(const ZynNegDealSingleReq& record) : record_(&record) {}
     const ZynNegDealSingleReq& get() const { return *record_; }
 
@@ -279,8 +279,8 @@ template <> struct Init<ZynNegDealSingleReq> {
 
 template <> class View<ZynNegDeal> {
 public:
-    static constexpr const char* name = "ZynNegDeal";
-    static constexpr auto printer = PrintZynNegDeal;
+    static constexpr const char* name_ = "ZynNegDeal";
+    static constexpr auto printer_ = PrintZynNegDeal;
     explicit View(const ZynNegDeal& record) : record_(&record) {}
     const ZynNegDeal& get() const { return *record_; }
 
@@ -317,8 +317,8 @@ template <> struct Init<ZynNegDeal> {
 
 template <> class View<ZynNegDealAmend> {
 public:
-    static constexpr const char* name = "ZynNegDealAmend";
-    static constexpr auto printer = PrintZynNegDealAmend;
+    static constexpr const char* name_ = "ZynNegDealAmend";
+    static constexpr auto printer_ = PrintZynNegDealAmend;
     explicit View(const ZynNegDealAmend& record) : record_(&record) {}
     const ZynNegDealAmend& get() const { return *record_; }
 
@@ -365,8 +365,8 @@ template <> struct Init<ZynNegDealAmend> {
 
 template <> class View<ZynNegDealApprove> {
 public:
-    static constexpr const char* name = "ZynNegDealApprove";
-    static constexpr auto printer = PrintZynNegDealApprove;
+    static constexpr const char* name_ = "ZynNegDealApprove";
+    static constexpr auto printer_ = PrintZynNegDealApprove;
     explicit View(const ZynNegDealApprove& record) : record_(&record) {}
     const ZynNegDealApprove& get() const { return *record_; }
 
@@ -387,8 +387,8 @@ template <> struct Init<ZynNegDealApprove> {
 
 template <> class View<ZynNegDealConfirm> {
 public:
-    static constexpr const char* name = "ZynNegDealConfirm";
-    static constexpr auto printer = PrintZynNegDealConfirm;
+    static constexpr const char* name_ = "ZynNegDealConfirm";
+    static constexpr auto printer_ = PrintZynNegDealConfirm;
     explicit View(const ZynNegDealConfirm& record) : record_(&record) {}
     const ZynNegDealConfirm& get() const { return *record_; }
 
@@ -417,8 +417,8 @@ template <> struct Init<ZynNegDealConfirm> {
 
 template <> class View<ZynNegDealWithdraw> {
 public:
-    static constexpr const char* name = "ZynNegDealWithdraw";
-    static constexpr auto printer = PrintZynNegDealWithdraw;
+    static constexpr const char* name_ = "ZynNegDealWithdraw";
+    static constexpr auto printer_ = PrintZynNegDealWithdraw;
     explicit View(const ZynNegDealWithdraw& record) : record_(&record) {}
     const ZynNegDealWithdraw& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynNewsItem> {
 public:
-    static constexpr const char* name = "ZynNewsItem";
-    static constexpr auto printer = PrintZynNewsItem;
+    static constexpr const char* name_ = "ZynNewsItem";
+    static constexpr auto printer_ = PrintZynNewsItem;
     explicit View(const ZynNewsItem& record) : record_(&record) {}
     const ZynNewsItem& get() const { return *record_; }
 
@@ -55,8 +55,8 @@ template <> struct Init<ZynNewsItem> {
 
 template <> class View<ZynNewsTypeReq> {
 public:
-    static constexpr const char* name = "ZynNewsTypeReq";
-    static constexpr auto printer = PrintZynNewsTypeReq;
+    static constexpr const char* name_ = "ZynNewsTypeReq";
+    static constexpr auto printer_ = PrintZynNewsTypeReq;
     explicit View(const ZynNewsTypeReq& record) : record_(&record) {}
     const ZynNewsTypeReq& get() const { return *record_; }
 
@@ -77,8 +77,8 @@ template <> struct Init<ZynNewsTypeReq> {
 
 template <> class View<ZynNewsTypeRep> {
 public:
-    static constexpr const char* name = "ZynNewsTypeRep";
-    static constexpr auto printer = PrintZynNewsTypeRep;
+    static constexpr const char* name_ = "ZynNewsTypeRep";
+    static constexpr auto printer_ = PrintZynNewsTypeRep;
     explicit View(const ZynNewsTypeRep& record) : record_(&record) {}
     const ZynNewsTypeRep& get() const { return *record_; }
 
@@ -103,8 +103,8 @@ template <> struct Init<ZynNewsTypeRep> {
 
 template <> class View<ZynNewsReq> {
 public:
-    static constexpr const char* name = "ZynNewsReq";
-    static constexpr auto printer = PrintZynNewsReq;
+    static constexpr const char* name_ = "ZynNewsReq";
+    static constexpr auto printer_ = PrintZynNewsReq;
     explicit View(const ZynNewsReq& record) : record_(&record) {}
     const ZynNewsReq& get() const { return *record_; }
 
@@ -125,8 +125,8 @@ template <> struct Init<ZynNewsReq> {
 
 template <> class View<ZynNewsRep> {
 public:
-    static constexpr const char* name = "ZynNewsRep";
-    static constexpr auto printer = PrintZynNewsRep;
+    static constexpr const char* name_ = "ZynNewsRep";
+    static constexpr auto printer_ = PrintZynNewsRep;
     explicit View(const ZynNewsRep& record) : record_(&record) {}
     const ZynNewsRep& get() const { return *record_; }
 
@@ -149,8 +149,8 @@ template <> struct Init<ZynNewsRep> {
 
 template <> class View<ZynNewsAdd> {
 public:
-    static constexpr const char* name = "ZynNewsAdd";
-    static constexpr auto printer = PrintZynNewsAdd;
+    static constexpr const char* name_ = "ZynNewsAdd";
+    static constexpr auto printer_ = PrintZynNewsAdd;
     explicit View(const ZynNewsAdd& record) : record_(&record) {}
     const ZynNewsAdd& get() const { return *record_; }
 
@@ -171,8 +171,8 @@ template <> struct Init<ZynNewsAdd> {
 
 template <> class View<ZynNewsEdit> {
 public:
-    static constexpr const char* name = "ZynNewsEdit";
-    static constexpr auto printer = PrintZynNewsEdit;
+    static constexpr const char* name_ = "ZynNewsEdit";
+    static constexpr auto printer_ = PrintZynNewsEdit;
     explicit View(const ZynNewsEdit& record) : record_(&record) {}
     const ZynNewsEdit& get() const { return *record_; }
 
@@ -195,8 +195,8 @@ template <> struct Init<ZynNewsEdit> {
 
 template <> class View<ZynNewsRemove> {
 public:
-    static constexpr const char* name = "ZynNewsRemove";
-    static constexpr auto printer = PrintZynNewsRemove;
+    static constexpr const char* name_ = "ZynNewsRemove";
+    static constexpr auto printer_ = PrintZynNewsRemove;
     explicit View(const ZynNewsRemove& record) : record_(&record) {}
     const ZynNewsRemove& get() const { return *record_; }
 
@@ -217,8 +217,8 @@ template <> struct Init<ZynNewsRemove> {
 
 template <> class View<ZynNewsHeaderReq> {
 public:
-    static constexpr const char* name = "ZynNewsHeaderReq";
-    static constexpr auto printer = PrintZynNewsHeaderReq;
+    static constexpr const char* name_ = "ZynNewsHeaderReq";
+    static constexpr auto printer_ = PrintZynNewsHeaderReq;
     explicit View(const ZynNewsHeaderReq& record) : record_(&record) {}
     const ZynNewsHeaderReq& get() const { return *record_; }
 
@@ -239,8 +239,8 @@ template <> struct Init<ZynNewsHeaderReq> {
 
 template <> class View<ZynNewsHeaderRep> {
 public:
-    static constexpr const char* name = "ZynNewsHeaderRep";
-    static constexpr auto printer = PrintZynNewsHeaderRep;
+    static constexpr const char* name_ = "ZynNewsHeaderRep";
+    static constexpr auto printer_ = PrintZynNewsHeaderRep;
     explicit View(const ZynNewsHeaderRep& record) : record_(&record) {}
     const ZynNewsHeaderRep& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynOrderEntry> {
 public:
-    static constexpr const char* name = "ZynOrderEntry";
-    static constexpr auto printer = PrintZynOrderEntry;
+    static constexpr const char* name_ = "ZynOrderEntry";
+    static constexpr auto printer_ = PrintZynOrderEntry;
     explicit View(const ZynOrderEntry& record) : record_(&record) {}
     const ZynOrderEntry& get() const { return *record_; }
 
@@ -72,8 +72,8 @@ template <> struct Init<ZynOrderEntry> {
 
 template <> class View<ZynOrderRepStaticDetails> {
 public:
-    static constexpr const char* name = "ZynOrderRepStaticDetails";
-    static constexpr auto printer = PrintZynOrderRepStaticDetails;
+    static constexpr const char* name_ = "ZynOrderRepStaticDetails";
+    static constexpr auto printer_ = PrintZynOrderRepStaticDetails;
     explicit View(const ZynOrderRepStaticDetails& record) : record_(&record) {}
     const ZynOrderRepStaticDetails& get() const { return *record_; }
 
@@ -112,8 +112,8 @@ template <> struct Init<ZynOrderRepStaticDetails> {
 
 template <> class View<ZynOrderRepDynamic> {
 public:
-    static constexpr const char* name = "ZynOrderRepDynamic";
-    static constexpr auto printer = PrintZynOrderRepDynamic;
+    static constexpr const char* name_ = "ZynOrderRepDynamic";
+    static constexpr auto printer_ = PrintZynOrderRepDynamic;
     explicit View(const ZynOrderRepDynamic& record) : record_(&record) {}
     const ZynOrderRepDynamic& get() const { return *record_; }
 
@@ -144,8 +144,8 @@ template <> struct Init<ZynOrderRepDynamic> {
 
 template <> class View<ZynOrderRepStatic> {
 public:
-    static constexpr const char* name = "ZynOrderRepStatic";
-    static constexpr auto printer = PrintZynOrderRepStatic;
+    static constexpr const char* name_ = "ZynOrderRepStatic";
+    static constexpr auto printer_ = PrintZynOrderRepStatic;
     explicit View(const ZynOrderRepStatic& record) : record_(&record) {}
     const ZynOrderRepStatic& get() const { return *record_; }
 
@@ -200,8 +200,8 @@ template <> struct Init<ZynOrderRepStatic> {
 
 template <> class View<ZynOrderRep> {
 public:
-    static constexpr const char* name = "ZynOrderRep";
-    static constexpr auto printer = PrintZynOrderRep;
+    static constexpr const char* name_ = "ZynOrderRep";
+    static constexpr auto printer_ = PrintZynOrderRep;
     explicit View(const ZynOrderRep& record) : record_(&record) {}
     const ZynOrderRep& get() const { return *record_; }
 
@@ -228,8 +228,8 @@ template <> struct Init<ZynOrderRep> {
 
 template <> class View<ZynOrderReq> {
 public:
-    static constexpr const char* name = "ZynOrderReq";
-    static constexpr auto printer = PrintZynOrderReq;
+    static constexpr const char* name_ = "ZynOrderReq";
+    static constexpr auto printer_ = PrintZynOrderReq;
     explicit View(const ZynOrderReq& record) : record_(&record) {}
     const ZynOrderReq& get() const { return *record_; }
 
@@ -250,8 +250,8 @@ template <> struct Init<ZynOrderReq> {
 
 template <> class View<ZynOrderSingleReq> {
 public:
-    static constexpr const char* name = "ZynOrderSingleReq";
-    static constexpr auto printer = PrintZynOrderSingleReq;
+    static constexpr const char* name_ = "ZynOrderSingleReq";
+    static constexpr auto printer_ = PrintZynOrderSingleReq;
     explicit View(const ZynOrderSingleReq& record) : record_(&record) {}
     const ZynOrderSingleReq& get() const { return *record_; }
 
@@ -272,8 +272,8 @@ template <> struct Init<ZynOrderSingleReq> {
 
 template <> class View<ZynOrderTransferReq> {
 public:
-    static constexpr const char* name = "ZynOrderTransferReq";
-    static constexpr auto printer = PrintZynOrderTransferReq;
+    static constexpr const char* name_ = "ZynOrderTransferReq";
+    static constexpr auto printer_ = PrintZynOrderTransferReq;
     explicit View(const ZynOrderTransferReq& record) : record_(&record) {}
     const ZynOrderTransferReq& get() const { return *record_; }
 
@@ -294,8 +294,8 @@ template <> struct Init<ZynOrderTransferReq> {
 
 template <> class View<ZynOrderTransferRep> {
 public:
-    static constexpr const char* name = "ZynOrderTransferRep";
-    static constexpr auto printer = PrintZynOrderTransferRep;
+    static constexpr const char* name_ = "ZynOrderTransferRep";
+    static constexpr auto printer_ = PrintZynOrderTransferRep;
     explicit View(const ZynOrderTransferRep& record) : record_(&record) {}
     const ZynOrderTransferRep& get() const { return *record_; }
 
@@ -340,8 +340,8 @@ template <> struct Init<ZynOrderTransferRep> {
 
 template <> class View<ZynOrder> {
 public:
-    static constexpr const char* name = "ZynOrder";
-    static constexpr auto printer = PrintZynOrder;
+    static constexpr const char* name_ = "ZynOrder";
+    static constexpr auto printer_ = PrintZynOrder;
     explicit View(const ZynOrder& record) : record_(&record) {}
     const ZynOrder& get() const { return *record_; }
 
@@ -362,8 +362,8 @@ template <> struct Init<ZynOrder> {
 
 template <> class View<ZynOrderAmend> {
 public:
-    static constexpr const char* name = "ZynOrderAmend";
-    static constexpr auto printer = PrintZynOrderAmend;
+    static constexpr const char* name_ = "ZynOrderAmend";
+    static constexpr auto printer_ = PrintZynOrderAmend;
     explicit View(const ZynOrderAmend& record) : record_(&record) {}
     const ZynOrderAmend& get() const { return *record_; }
 
@@ -414,8 +414,8 @@ template <> struct Init<ZynOrderAmend> {
 
 template <> class View<ZynOrderApprove> {
 public:
-    static constexpr const char* name = "ZynOrderApprove";
-    static constexpr auto printer = PrintZynOrderApprove;
+    static constexpr const char* name_ = "ZynOrderApprove";
+    static constexpr auto printer_ = PrintZynOrderApprove;
     explicit View(const ZynOrderApprove& record) : record_(&record) {}
     const ZynOrderApprove& get() const { return *record_; }
 
@@ -438,8 +438,8 @@ template <> struct Init<ZynOrderApprove> {
 
 template <> class View<ZynOrderWithdraw> {
 public:
-    static constexpr const char* name = "ZynOrderWithdraw";
-    static constexpr auto printer = PrintZynOrderWithdraw;
+    static constexpr const char* name_ = "ZynOrderWithdraw";
+    static constexpr auto printer_ = PrintZynOrderWithdraw;
     explicit View(const ZynOrderWithdraw& record) : record_(&record) {}
     const ZynOrderWithdraw& get() const { return *record_; }
 
@@ -488,8 +488,8 @@ template <> struct Init<ZynOrderWithdraw> {
 
 template <> class View<ZynOrderTransfer> {
 public:
-    static constexpr const char* name = "ZynOrderTransfer";
-    static constexpr auto printer = PrintZynOrderTransfer;
+    static constexpr const char* name_ = "ZynOrderTransfer";
+    static constexpr auto printer_ = PrintZynOrderTransfer;
     explicit View(const ZynOrderTransfer& record) : record_(&record) {}
     const ZynOrderTransfer& get() const { return *record_; }
 
@@ -524,8 +524,8 @@ template <> struct Init<ZynOrderTransfer> {
 
 template <> class View<ZynOrderTransferAccept> {
 public:
-    static constexpr const char* name = "ZynOrderTransferAccept";
-    static constexpr auto printer = PrintZynOrderTransferAccept;
+    static constexpr const char* name_ = "ZynOrderTransferAccept";
+    static constexpr auto printer_ = PrintZynOrderTransferAccept;
     explicit View(const ZynOrderTransferAccept& record) : record_(&record) {}
     const ZynOrderTransferAccept& get() const { return *record_; }
 
@@ -546,8 +546,8 @@ template <> struct Init<ZynOrderTransferAccept> {
 
 template <> class View<ZynOrderTransferReject> {
 public:
-    static constexpr const char* name = "ZynOrderTransferReject";
-    static constexpr auto printer = PrintZynOrderTransferReject;
+    static constexpr const char* name_ = "ZynOrderTransferReject";
+    static constexpr auto printer_ = PrintZynOrderTransferReject;
     explicit View(const ZynOrderTransferReject& record) : record_(&record) {}
     const ZynOrderTransferReject& get() const { return *record_; }
 
@@ -568,8 +568,8 @@ template <> struct Init<ZynOrderTransferReject> {
 
 template <> class View<ZynOrderTransferWithdraw> {
 public:
-    static constexpr const char* name = "ZynOrderTransferWithdraw";
-    static constexpr auto printer = PrintZynOrderTransferWithdraw;
+    static constexpr const char* name_ = "ZynOrderTransferWithdraw";
+    static constexpr auto printer_ = PrintZynOrderTransferWithdraw;
     explicit View(const ZynOrderTransferWithdraw& record) : record_(&record) {}
     const ZynOrderTransferWithdraw& get() const { return *record_; }
 
@@ -590,8 +590,8 @@ template <> struct Init<ZynOrderTransferWithdraw> {
 
 template <> class View<ZynOrderTickUpDown> {
 public:
-    static constexpr const char* name = "ZynOrderTickUpDown";
-    static constexpr auto printer = PrintZynOrderTickUpDown;
+    static constexpr const char* name_ = "ZynOrderTickUpDown";
+    static constexpr auto printer_ = PrintZynOrderTickUpDown;
     explicit View(const ZynOrderTickUpDown& record) : record_(&record) {}
     const ZynOrderTickUpDown& get() const { return *record_; }
 
@@ -624,8 +624,8 @@ template <> struct Init<ZynOrderTickUpDown> {
 
 template <> class View<ZynOrderOnBehalf> {
 public:
-    static constexpr const char* name = "ZynOrderOnBehalf";
-    static constexpr auto printer = PrintZynOrderOnBehalf;
+    static constexpr const char* name_ = "ZynOrderOnBehalf";
+    static constexpr auto printer_ = PrintZynOrderOnBehalf;
     explicit View(const ZynOrderOnBehalf& record) : record_(&record) {}
     const ZynOrderOnBehalf& get() const { return *record_; }
 
@@ -648,8 +648,8 @@ template <> struct Init<ZynOrderOnBehalf> {
 
 template <> class View<ZynOrderMarketMaker> {
 public:
-    static constexpr const char* name = "ZynOrderMarketMaker";
-    static constexpr auto printer = PrintZynOrderMarketMaker;
+    static constexpr const char* name_ = "ZynOrderMarketMaker";
+    static constexpr auto printer_ = PrintZynOrderMarketMaker;
     explicit View(const ZynOrderMarketMaker& record) : record_(&record) {}
     const ZynOrderMarketMaker& get() const { return *record_; }
 
@@ -678,8 +678,8 @@ template <> struct Init<ZynOrderMarketMaker> {
 
 template <> class View<ZynOrderActivate> {
 public:
-    static constexpr const char* name = "ZynOrderActivate";
-    static constexpr auto printer = PrintZynOrderActivate;
+    static constexpr const char* name_ = "ZynOrderActivate";
+    static constexpr auto printer_ = PrintZynOrderActivate;
     explicit View(const ZynOrderActivate& record) : record_(&record) {}
     const ZynOrderActivate& get() const { return *record_; }
 
@@ -704,8 +704,8 @@ template <> struct Init<ZynOrderActivate> {
 
 template <> class View<ZynOrderDeactivate> {
 public:
-    static constexpr const char* name = "ZynOrderDeactivate";
-    static constexpr auto printer = PrintZynOrderDeactivate;
+    static constexpr const char* name_ = "ZynOrderDeactivate";
+    static constexpr auto printer_ = PrintZynOrderDeactivate;
     explicit View(const ZynOrderDeactivate& record) : record_(&record) {}
     const ZynOrderDeactivate& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynOrderEntryBlock> {
 public:
-    static constexpr const char* name = "ZynOrderEntryBlock";
-    static constexpr auto printer = PrintZynOrderEntryBlock;
+    static constexpr const char* name_ = "ZynOrderEntryBlock";
+    static constexpr auto printer_ = PrintZynOrderEntryBlock;
     explicit View(const ZynOrderEntryBlock& record) : record_(&record) {}
     const ZynOrderEntryBlock& get() const { return *record_; }
 
@@ -72,8 +72,8 @@ template <> struct Init<ZynOrderEntryBlock> {
 
 template <> class View<ZynOrderMarketMakerBlockSetOfSeq> {
 public:
-    static constexpr const char* name = "ZynOrderMarketMakerBlockSetOfSeq";
-    static constexpr auto printer = PrintZynOrderMarketMakerBlockSetOfSeq;
+    static constexpr const char* name_ = "ZynOrderMarketMakerBlockSetOfSeq";
+    static constexpr auto printer_ = PrintZynOrderMarketMakerBlockSetOfSeq;
     explicit View(const ZynOrderMarketMakerBlockSetOfSeq& record) : record_(&record) {}
     const ZynOrderMarketMakerBlockSetOfSeq& get() const { return *record_; }
 
@@ -102,8 +102,8 @@ template <> struct Init<ZynOrderMarketMakerBlockSetOfSeq> {
 
 template <> class View<ZynOrderMarketMakerBlock> {
 public:
-    static constexpr const char* name = "ZynOrderMarketMakerBlock";
-    static constexpr auto printer = PrintZynOrderMarketMakerBlock;
+    static constexpr const char* name_ = "ZynOrderMarketMakerBlock";
+    static constexpr auto printer_ = PrintZynOrderMarketMakerBlock;
     explicit View(const ZynOrderMarketMakerBlock& record) : record_(&record) {}
     const ZynOrderMarketMakerBlock& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynOrderMultiLegAmendSetOfSeq> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegAmendSetOfSeq";
-    static constexpr auto printer = PrintZynOrderMultiLegAmendSetOfSeq;
+    static constexpr const char* name_ = "ZynOrderMultiLegAmendSetOfSeq";
+    static constexpr auto printer_ = PrintZynOrderMultiLegAmendSetOfSeq;
     explicit View(const ZynOrderMultiLegAmendSetOfSeq& record) : record_(&record) {}
     const ZynOrderMultiLegAmendSetOfSeq& get() const { return *record_; }
 
@@ -46,8 +46,8 @@ template <> struct Init<ZynOrderMultiLegAmendSetOfSeq> {
 
 template <> class View<ZynOrderMultiLegSetOfSeq> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegSetOfSeq";
-    static constexpr auto printer = PrintZynOrderMultiLegSetOfSeq;
+    static constexpr const char* name_ = "ZynOrderMultiLegSetOfSeq";
+    static constexpr auto printer_ = PrintZynOrderMultiLegSetOfSeq;
     explicit View(const ZynOrderMultiLegSetOfSeq& record) : record_(&record) {}
     const ZynOrderMultiLegSetOfSeq& get() const { return *record_; }
 
@@ -80,8 +80,8 @@ template <> struct Init<ZynOrderMultiLegSetOfSeq> {
 
 template <> class View<ZynOrderMultiLegRepStatic> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegRepStatic";
-    static constexpr auto printer = PrintZynOrderMultiLegRepStatic;
+    static constexpr const char* name_ = "ZynOrderMultiLegRepStatic";
+    static constexpr auto printer_ = PrintZynOrderMultiLegRepStatic;
     explicit View(const ZynOrderMultiLegRepStatic& record) : record_(&record) {}
     const ZynOrderMultiLegRepStatic& get() const { return *record_; }
 
@@ -124,8 +124,8 @@ template <> struct Init<ZynOrderMultiLegRepStatic> {
 
 template <> class View<ZynOrderMultiLegRepDynamic> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegRepDynamic";
-    static constexpr auto printer = PrintZynOrderMultiLegRepDynamic;
+    static constexpr const char* name_ = "ZynOrderMultiLegRepDynamic";
+    static constexpr auto printer_ = PrintZynOrderMultiLegRepDynamic;
     explicit View(const ZynOrderMultiLegRepDynamic& record) : record_(&record) {}
     const ZynOrderMultiLegRepDynamic& get() const { return *record_; }
 
@@ -150,8 +150,8 @@ template <> struct Init<ZynOrderMultiLegRepDynamic> {
 
 template <> class View<ZynOrderMultiLegReq> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegReq";
-    static constexpr auto printer = PrintZynOrderMultiLegReq;
+    static constexpr const char* name_ = "ZynOrderMultiLegReq";
+    static constexpr auto printer_ = PrintZynOrderMultiLegReq;
     explicit View(const ZynOrderMultiLegReq& record) : record_(&record) {}
     const ZynOrderMultiLegReq& get() const { return *record_; }
 
@@ -172,8 +172,8 @@ template <> struct Init<ZynOrderMultiLegReq> {
 
 template <> class View<ZynOrderMultiLegRep> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegRep";
-    static constexpr auto printer = PrintZynOrderMultiLegRep;
+    static constexpr const char* name_ = "ZynOrderMultiLegRep";
+    static constexpr auto printer_ = PrintZynOrderMultiLegRep;
     explicit View(const ZynOrderMultiLegRep& record) : record_(&record) {}
     const ZynOrderMultiLegRep& get() const { return *record_; }
 
@@ -200,8 +200,8 @@ template <> struct Init<ZynOrderMultiLegRep> {
 
 template <> class View<ZynOrderMultiLeg> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLeg";
-    static constexpr auto printer = PrintZynOrderMultiLeg;
+    static constexpr const char* name_ = "ZynOrderMultiLeg";
+    static constexpr auto printer_ = PrintZynOrderMultiLeg;
     explicit View(const ZynOrderMultiLeg& record) : record_(&record) {}
     const ZynOrderMultiLeg& get() const { return *record_; }
 
@@ -236,8 +236,8 @@ template <> struct Init<ZynOrderMultiLeg> {
 
 template <> class View<ZynOrderMultiLegAmend> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegAmend";
-    static constexpr auto printer = PrintZynOrderMultiLegAmend;
+    static constexpr const char* name_ = "ZynOrderMultiLegAmend";
+    static constexpr auto printer_ = PrintZynOrderMultiLegAmend;
     explicit View(const ZynOrderMultiLegAmend& record) : record_(&record) {}
     const ZynOrderMultiLegAmend& get() const { return *record_; }
 
@@ -274,8 +274,8 @@ template <> struct Init<ZynOrderMultiLegAmend> {
 
 template <> class View<ZynOrderMultiLegApprove> {
 public:
-    static constexpr const char* name = "ZynOrderMultiLegApprove";
-    static constexpr auto printer = PrintZynOrderMultiLegApprove;
+    static constexpr const char* name_ = "ZynOrderMultiLegApprove";
+    static constexpr auto printer_ = PrintZynOrderMultiLegApprove;
     explicit View(const ZynOrderMultiLegApprove& record) : record_(&record) {}
     const ZynOrderMultiLegApprove& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynPricePoint> {
 public:
-    static constexpr const char* name = "ZynPricePoint";
-    static constexpr auto printer = PrintZynPricePoint;
+    static constexpr const char* name_ = "ZynPricePoint";
+    static constexpr auto printer_ = PrintZynPricePoint;
     explicit View(const ZynPricePoint& record) : record_(&record) {}
     const ZynPricePoint& get() const { return *record_; }
 
@@ -50,8 +50,8 @@ template <> struct Init<ZynPricePoint> {
 
 template <> class View<ZynOrderbookOrder> {
 public:
-    static constexpr const char* name = "ZynOrderbookOrder";
-    static constexpr auto printer = PrintZynOrderbookOrder;
+    static constexpr const char* name_ = "ZynOrderbookOrder";
+    static constexpr auto printer_ = PrintZynOrderbookOrder;
     explicit View(const ZynOrderbookOrder& record) : record_(&record) {}
     const ZynOrderbookOrder& get() const { return *record_; }
 
@@ -90,8 +90,8 @@ template <> struct Init<ZynOrderbookOrder> {
 
 template <> class View<ZynOrderbookByPriceReq> {
 public:
-    static constexpr const char* name = "ZynOrderbookByPriceReq";
-    static constexpr auto printer = PrintZynOrderbookByPriceReq;
+    static constexpr const char* name_ = "ZynOrderbookByPriceReq";
+    static constexpr auto printer_ = PrintZynOrderbookByPriceReq;
     explicit View(const ZynOrderbookByPriceReq& record) : record_(&record) {}
     const ZynOrderbookByPriceReq& get() const { return *record_; }
 
@@ -114,8 +114,8 @@ template <> struct Init<ZynOrderbookByPriceReq> {
 
 template <> class View<ZynOrderbookByPriceRep> {
 public:
-    static constexpr const char* name = "ZynOrderbookByPriceRep";
-    static constexpr auto printer = PrintZynOrderbookByPriceRep;
+    static constexpr const char* name_ = "ZynOrderbookByPriceRep";
+    static constexpr auto printer_ = PrintZynOrderbookByPriceRep;
     explicit View(const ZynOrderbookByPriceRep& record) : record_(&record) {}
     const ZynOrderbookByPriceRep& get() const { return *record_; }
 
@@ -144,8 +144,8 @@ template <> struct Init<ZynOrderbookByPriceRep> {
 
 template <> class View<ZynOrderbookByOrderReq> {
 public:
-    static constexpr const char* name = "ZynOrderbookByOrderReq";
-    static constexpr auto printer = PrintZynOrderbookByOrderReq;
+    static constexpr const char* name_ = "ZynOrderbookByOrderReq";
+    static constexpr auto printer_ = PrintZynOrderbookByOrderReq;
     explicit View(const ZynOrderbookByOrderReq& record) : record_(&record) {}
     const ZynOrderbookByOrderReq& get() const { return *record_; }
 
@@ -168,8 +168,8 @@ template <> struct Init<ZynOrderbookByOrderReq> {
 
 template <> class View<ZynOrderbookByOrderRep> {
 public:
-    static constexpr const char* name = "ZynOrderbookByOrderRep";
-    static constexpr auto printer = PrintZynOrderbookByOrderRep;
+    static constexpr const char* name_ = "ZynOrderbookByOrderRep";
+    static constexpr auto printer_ = PrintZynOrderbookByOrderRep;
     explicit View(const ZynOrderbookByOrderRep& record) : record_(&record) {}
     const ZynOrderbookByOrderRep& get() const { return *record_; }
 
@@ -198,8 +198,8 @@ template <> struct Init<ZynOrderbookByOrderRep> {
 
 template <> class View<ZynPrimaryAuctionAllocInitReq> {
 public:
-    static constexpr const char* name = "ZynPrimaryAuctionAllocInitReq";
-    static constexpr auto printer = PrintZynPrimaryAuctionAllocInitReq;
+    static constexpr const char* name_ = "ZynPrimaryAuctionAllocInitReq";
+    static constexpr auto printer_ = PrintZynPrimaryAuctionAllocInitReq;
     explicit View(const ZynPrimaryAuctionAllocInitReq& record) : record_(&record) {}
     const ZynPrimaryAuctionAllocInitReq& get() const { return *record_; }
 
@@ -220,8 +220,8 @@ template <> struct Init<ZynPrimaryAuctionAllocInitReq> {
 
 template <> class View<ZynPrimaryAuctionAllocInitRep> {
 public:
-    static constexpr const char* name = "ZynPrimaryAuctionAllocInitRep";
-    static constexpr auto printer = PrintZynPrimaryAuctionAllocInitRep;
+    static constexpr const char* name_ = "ZynPrimaryAuctionAllocInitRep";
+    static constexpr auto printer_ = PrintZynPrimaryAuctionAllocInitRep;
     explicit View(const ZynPrimaryAuctionAllocInitRep& record) : record_(&record) {}
     const ZynPrimaryAuctionAllocInitRep& get() const { return *record_; }
 
@@ -250,8 +250,8 @@ template <> struct Init<ZynPrimaryAuctionAllocInitRep> {
 
 template <> class View<ZynPrimaryAuctionAllocReq> {
 public:
-    static constexpr const char* name = "ZynPrimaryAuctionAllocReq";
-    static constexpr auto printer = PrintZynPrimaryAuctionAllocReq;
+    static constexpr const char* name_ = "ZynPrimaryAuctionAllocReq";
+    static constexpr auto printer_ = PrintZynPrimaryAuctionAllocReq;
     explicit View(const ZynPrimaryAuctionAllocReq& record) : record_(&record) {}
     const ZynPrimaryAuctionAllocReq& get() const { return *record_; }
 
@@ -286,8 +286,8 @@ template <> struct Init<ZynPrimaryAuctionAllocReq> {
 
 template <> class View<ZynPrimaryAuctionAllocRep> {
 public:
-    static constexpr const char* name = "ZynPrimaryAuctionAllocRep";
-    static constexpr auto printer = PrintZynPrimaryAuctionAllocRep;
+    static constexpr const char* name_ = "ZynPrimaryAuctionAllocRep";
+    static constexpr auto printer_ = PrintZynPrimaryAuctionAllocRep;
     explicit View(const ZynPrimaryAuctionAllocRep& record) : record_(&record) {}
     const ZynPrimaryAuctionAllocRep& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynPermissionChoice> {
 public:
-    static constexpr const char* name = "ZynPermissionChoice";
-    static constexpr auto printer = PrintZynPermissionChoice;
+    static constexpr const char* name_ = "ZynPermissionChoice";
+    static constexpr auto printer_ = PrintZynPermissionChoice;
     explicit View(const ZynPermissionChoice& record) : record_(&record) {}
     const ZynPermissionChoice& get() const { return *record_; }
 
@@ -53,8 +53,8 @@ private:
 
 template <> class View<ZynPermissionReq> {
 public:
-    static constexpr const char* name = "ZynPermissionReq";
-    static constexpr auto printer = PrintZynPermissionReq;
+    static constexpr const char* name_ = "ZynPermissionReq";
+    static constexpr auto printer_ = PrintZynPermissionReq;
     explicit View(const ZynPermissionReq& record) : record_(&record) {}
     const ZynPermissionReq& get() const { return *record_; }
 
@@ -75,8 +75,8 @@ template <> struct Init<ZynPermissionReq> {
 
 template <> class View<ZynPermissionRep> {
 public:
-    static constexpr const char* name = "ZynPermissionRep";
-    static constexpr auto printer = PrintZynPermissionRep;
+    static constexpr const char* name_ = "ZynPermissionRep";
+    static constexpr auto printer_ = PrintZynPermissionRep;
     explicit View(const ZynPermissionRep& record) : record_(&record) {}
     const ZynPermissionRep& get() const { return *record_; }
 
@@ -101,8 +101,8 @@ template <> struct Init<ZynPermissionRep> {
 
 template <> class View<ZynPermissionDelete> {
 public:
-    static constexpr const char* name = "ZynPermissionDelete";
-    static constexpr auto printer = PrintZynPermissionDelete;
+    static constexpr const char* name_ = "ZynPermissionDelete";
+    static constexpr auto printer_ = PrintZynPermissionDelete;
     explicit View(const ZynPermissionDelete& record) : record_(&record) {}
     const ZynPermissionDelete& get() const { return *record_; }
 
@@ -133,8 +133,8 @@ template <> struct Init<ZynPermissionDelete> {
 
 template <> class View<ZynPermissionSet> {
 public:
-    static constexpr const char* name = "ZynPermissionSet";
-    static constexpr auto printer = PrintZynPermissionSet;
+    static constexpr const char* name_ = "ZynPermissionSet";
+    static constexpr auto printer_ = PrintZynPermissionSet;
     explicit View(const ZynPermissionSet& record) : record_(&record) {}
     const ZynPermissionSet& get() const { return *record_; }
 
@@ -165,8 +165,8 @@ template <> struct Init<ZynPermissionSet> {
 
 template <> class View<ZynPermissionSetMsgGroupAccess> {
 public:
-    static constexpr const char* name = "ZynPermissionSetMsgGroupAccess";
-    static constexpr auto printer = PrintZynPermissionSetMsgGroupAccess;
+    static constexpr const char* name_ = "ZynPermissionSetMsgGroupAccess";
+    static constexpr auto printer_ = PrintZynPermissionSetMsgGroupAccess;
     explicit View(const ZynPermissionSetMsgGroupAccess& record) : record_(&record) {}
     const ZynPermissionSetMsgGroupAccess& get() const { return *record_; }
 
@@ -191,8 +191,8 @@ template <> struct Init<ZynPermissionSetMsgGroupAccess> {
 
 template <> class View<ZynRoleReq> {
 public:
-    static constexpr const char* name = "ZynRoleReq";
-    static constexpr auto printer = PrintZynRoleReq;
+    static constexpr const char* name_ = "ZynRoleReq";
+    static constexpr auto printer_ = PrintZynRoleReq;
     explicit View(const ZynRoleReq& record) : record_(&record) {}
     const ZynRoleReq& get() const { return *record_; }
 
@@ -213,8 +213,8 @@ template <> struct Init<ZynRoleReq> {
 
 template <> class View<ZynRoleRep> {
 public:
-    static constexpr const char* name = "ZynRoleRep";
-    static constexpr auto printer = PrintZynRoleRep;
+    static constexpr const char* name_ = "ZynRoleRep";
+    static constexpr auto printer_ = PrintZynRoleRep;
     explicit View(const ZynRoleRep& record) : record_(&record) {}
     const ZynRoleRep& get() const { return *record_; }
 

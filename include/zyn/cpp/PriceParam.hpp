@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynPriceParamReq> {
 public:
-    static constexpr const char* name = "ZynPriceParamReq";
-    static constexpr auto printer = PrintZynPriceParamReq;
+    static constexpr const char* name_ = "ZynPriceParamReq";
+    static constexpr auto printer_ = PrintZynPriceParamReq;
     explicit View(const ZynPriceParamReq& record) : record_(&record) {}
     const ZynPriceParamReq& get() const { return *record_; }
 
@@ -40,8 +40,8 @@ template <> struct Init<ZynPriceParamReq> {
 
 template <> class View<ZynPriceParamRep> {
 public:
-    static constexpr const char* name = "ZynPriceParamRep";
-    static constexpr auto printer = PrintZynPriceParamRep;
+    static constexpr const char* name_ = "ZynPriceParamRep";
+    static constexpr auto printer_ = PrintZynPriceParamRep;
     explicit View(const ZynPriceParamRep& record) : record_(&record) {}
     const ZynPriceParamRep& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynQuoteId> {
 public:
-    static constexpr const char* name = "ZynQuoteId";
-    static constexpr auto printer = PrintZynQuoteId;
+    static constexpr const char* name_ = "ZynQuoteId";
+    static constexpr auto printer_ = PrintZynQuoteId;
     explicit View(const ZynQuoteId& record) : record_(&record) {}
     const ZynQuoteId& get() const { return *record_; }
 
@@ -36,8 +36,8 @@ template <> struct Init<ZynQuoteId> {
 
 template <> class View<ZynQuoteAdd> {
 public:
-    static constexpr const char* name = "ZynQuoteAdd";
-    static constexpr auto printer = PrintZynQuoteAdd;
+    static constexpr const char* name_ = "ZynQuoteAdd";
+    static constexpr auto printer_ = PrintZynQuoteAdd;
     explicit View(const ZynQuoteAdd& record) : record_(&record) {}
     const ZynQuoteAdd& get() const { return *record_; }
 
@@ -76,8 +76,8 @@ template <> struct Init<ZynQuoteAdd> {
 
 template <> class View<ZynQuoteRemove> {
 public:
-    static constexpr const char* name = "ZynQuoteRemove";
-    static constexpr auto printer = PrintZynQuoteRemove;
+    static constexpr const char* name_ = "ZynQuoteRemove";
+    static constexpr auto printer_ = PrintZynQuoteRemove;
     explicit View(const ZynQuoteRemove& record) : record_(&record) {}
     const ZynQuoteRemove& get() const { return *record_; }
 
@@ -98,8 +98,8 @@ template <> struct Init<ZynQuoteRemove> {
 
 template <> class View<ZynQuoteReq> {
 public:
-    static constexpr const char* name = "ZynQuoteReq";
-    static constexpr auto printer = PrintZynQuoteReq;
+    static constexpr const char* name_ = "ZynQuoteReq";
+    static constexpr auto printer_ = PrintZynQuoteReq;
     explicit View(const ZynQuoteReq& record) : record_(&record) {}
     const ZynQuoteReq& get() const { return *record_; }
 
@@ -120,8 +120,8 @@ template <> struct Init<ZynQuoteReq> {
 
 template <> class View<ZynQuoteRep> {
 public:
-    static constexpr const char* name = "ZynQuoteRep";
-    static constexpr auto printer = PrintZynQuoteRep;
+    static constexpr const char* name_ = "ZynQuoteRep";
+    static constexpr auto printer_ = PrintZynQuoteRep;
     explicit View(const ZynQuoteRep& record) : record_(&record) {}
     const ZynQuoteRep& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynSecReq> {
 public:
-    static constexpr const char* name = "ZynSecReq";
-    static constexpr auto printer = PrintZynSecReq;
+    static constexpr const char* name_ = "ZynSecReq";
+    static constexpr auto printer_ = PrintZynSecReq;
     explicit View(const ZynSecReq& record) : record_(&record) {}
     const ZynSecReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynSecReq> {
 
 template <> class View<ZynSecRep> {
 public:
-    static constexpr const char* name = "ZynSecRep";
-    static constexpr auto printer = PrintZynSecRep;
+    static constexpr const char* name_ = "ZynSecRep";
+    static constexpr auto printer_ = PrintZynSecRep;
     explicit View(const ZynSecRep& record) : record_(&record) {}
     const ZynSecRep& get() const { return *record_; }
 
@@ -65,8 +65,8 @@ template <> struct Init<ZynSecRep> {
 
 template <> class View<ZynSecStatesReq> {
 public:
-    static constexpr const char* name = "ZynSecStatesReq";
-    static constexpr auto printer = PrintZynSecStatesReq;
+    static constexpr const char* name_ = "ZynSecStatesReq";
+    static constexpr auto printer_ = PrintZynSecStatesReq;
     explicit View(const ZynSecStatesReq& record) : record_(&record) {}
     const ZynSecStatesReq& get() const { return *record_; }
 
@@ -87,8 +87,8 @@ template <> struct Init<ZynSecStatesReq> {
 
 template <> class View<ZynSecStatesRep> {
 public:
-    static constexpr const char* name = "ZynSecStatesRep";
-    static constexpr auto printer = PrintZynSecStatesRep;
+    static constexpr const char* name_ = "ZynSecStatesRep";
+    static constexpr auto printer_ = PrintZynSecStatesRep;
     explicit View(const ZynSecStatesRep& record) : record_(&record) {}
     const ZynSecStatesRep& get() const { return *record_; }
 
@@ -115,8 +115,8 @@ template <> struct Init<ZynSecStatesRep> {
 
 template <> class View<ZynSecStatesTransitionReq> {
 public:
-    static constexpr const char* name = "ZynSecStatesTransitionReq";
-    static constexpr auto printer = PrintZynSecStatesTransitionReq;
+    static constexpr const char* name_ = "ZynSecStatesTransitionReq";
+    static constexpr auto printer_ = PrintZynSecStatesTransitionReq;
     explicit View(const ZynSecStatesTransitionReq& record) : record_(&record) {}
     const ZynSecStatesTransitionReq& get() const { return *record_; }
 
@@ -137,8 +137,8 @@ template <> struct Init<ZynSecStatesTransitionReq> {
 
 template <> class View<ZynSecStatesTransitionRep> {
 public:
-    static constexpr const char* name = "ZynSecStatesTransitionRep";
-    static constexpr auto printer = PrintZynSecStatesTransitionRep;
+    static constexpr const char* name_ = "ZynSecStatesTransitionRep";
+    static constexpr auto printer_ = PrintZynSecStatesTransitionRep;
     explicit View(const ZynSecStatesTransitionRep& record) : record_(&record) {}
     const ZynSecStatesTransitionRep& get() const { return *record_; }
 
@@ -165,8 +165,8 @@ template <> struct Init<ZynSecStatesTransitionRep> {
 
 template <> class View<ZynSecSetForeignLimit> {
 public:
-    static constexpr const char* name = "ZynSecSetForeignLimit";
-    static constexpr auto printer = PrintZynSecSetForeignLimit;
+    static constexpr const char* name_ = "ZynSecSetForeignLimit";
+    static constexpr auto printer_ = PrintZynSecSetForeignLimit;
     explicit View(const ZynSecSetForeignLimit& record) : record_(&record) {}
     const ZynSecSetForeignLimit& get() const { return *record_; }
 
@@ -189,8 +189,8 @@ template <> struct Init<ZynSecSetForeignLimit> {
 
 template <> class View<ZynSecSetHoldingsLimit> {
 public:
-    static constexpr const char* name = "ZynSecSetHoldingsLimit";
-    static constexpr auto printer = PrintZynSecSetHoldingsLimit;
+    static constexpr const char* name_ = "ZynSecSetHoldingsLimit";
+    static constexpr auto printer_ = PrintZynSecSetHoldingsLimit;
     explicit View(const ZynSecSetHoldingsLimit& record) : record_(&record) {}
     const ZynSecSetHoldingsLimit& get() const { return *record_; }
 
@@ -213,8 +213,8 @@ template <> struct Init<ZynSecSetHoldingsLimit> {
 
 template <> class View<ZynSecSetQuoteBases> {
 public:
-    static constexpr const char* name = "ZynSecSetQuoteBases";
-    static constexpr auto printer = PrintZynSecSetQuoteBases;
+    static constexpr const char* name_ = "ZynSecSetQuoteBases";
+    static constexpr auto printer_ = PrintZynSecSetQuoteBases;
     explicit View(const ZynSecSetQuoteBases& record) : record_(&record) {}
     const ZynSecSetQuoteBases& get() const { return *record_; }
 
@@ -237,8 +237,8 @@ template <> struct Init<ZynSecSetQuoteBases> {
 
 template <> class View<ZynSecSetRemarks> {
 public:
-    static constexpr const char* name = "ZynSecSetRemarks";
-    static constexpr auto printer = PrintZynSecSetRemarks;
+    static constexpr const char* name_ = "ZynSecSetRemarks";
+    static constexpr auto printer_ = PrintZynSecSetRemarks;
     explicit View(const ZynSecSetRemarks& record) : record_(&record) {}
     const ZynSecSetRemarks& get() const { return *record_; }
 
@@ -261,8 +261,8 @@ template <> struct Init<ZynSecSetRemarks> {
 
 template <> class View<ZynSecChangeState> {
 public:
-    static constexpr const char* name = "ZynSecChangeState";
-    static constexpr auto printer = PrintZynSecChangeState;
+    static constexpr const char* name_ = "ZynSecChangeState";
+    static constexpr auto printer_ = PrintZynSecChangeState;
     explicit View(const ZynSecChangeState& record) : record_(&record) {}
     const ZynSecChangeState& get() const { return *record_; }
 
@@ -291,8 +291,8 @@ template <> struct Init<ZynSecChangeState> {
 
 template <> class View<ZynQuoteBasisReq> {
 public:
-    static constexpr const char* name = "ZynQuoteBasisReq";
-    static constexpr auto printer = PrintZynQuoteBasisReq;
+    static constexpr const char* name_ = "ZynQuoteBasisReq";
+    static constexpr auto printer_ = PrintZynQuoteBasisReq;
     explicit View(const ZynQuoteBasisReq& record) : record_(&record) {}
     const ZynQuoteBasisReq& get() const { return *record_; }
 
@@ -313,8 +313,8 @@ template <> struct Init<ZynQuoteBasisReq> {
 
 template <> class View<ZynQuoteBasisRep> {
 public:
-    static constexpr const char* name = "ZynQuoteBasisRep";
-    static constexpr auto printer = PrintZynQuoteBasisRep;
+    static constexpr const char* name_ = "ZynQuoteBasisRep";
+    static constexpr auto printer_ = PrintZynQuoteBasisRep;
     explicit View(const ZynQuoteBasisRep& record) : record_(&record) {}
     const ZynQuoteBasisRep& get() const { return *record_; }
 

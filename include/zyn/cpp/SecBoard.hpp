@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynSecBoardRepDynamic> {
 public:
-    static constexpr const char* name = "ZynSecBoardRepDynamic";
-    static constexpr auto printer = PrintZynSecBoardRepDynamic;
+    static constexpr const char* name_ = "ZynSecBoardRepDynamic";
+    static constexpr auto printer_ = PrintZynSecBoardRepDynamic;
     explicit View(const ZynSecBoardRepDynamic& record) : record_(&record) {}
     const ZynSecBoardRepDynamic& get() const { return *record_; }
 
@@ -184,8 +184,8 @@ template <> struct Init<ZynSecBoardRepDynamic> {
 
 template <> class View<ZynSecBoardRepStatic> {
 public:
-    static constexpr const char* name = "ZynSecBoardRepStatic";
-    static constexpr auto printer = PrintZynSecBoardRepStatic;
+    static constexpr const char* name_ = "ZynSecBoardRepStatic";
+    static constexpr auto printer_ = PrintZynSecBoardRepStatic;
     explicit View(const ZynSecBoardRepStatic& record) : record_(&record) {}
     const ZynSecBoardRepStatic& get() const { return *record_; }
 
@@ -264,8 +264,8 @@ template <> struct Init<ZynSecBoardRepStatic> {
 
 template <> class View<ZynSecBoardReq> {
 public:
-    static constexpr const char* name = "ZynSecBoardReq";
-    static constexpr auto printer = PrintZynSecBoardReq;
+    static constexpr const char* name_ = "ZynSecBoardReq";
+    static constexpr auto printer_ = PrintZynSecBoardReq;
     explicit View(const ZynSecBoardReq& record) : record_(&record) {}
     const ZynSecBoardReq& get() const { return *record_; }
 
@@ -292,8 +292,8 @@ template <> struct Init<ZynSecBoardReq> {
 
 template <> class View<ZynSecBoardRep> {
 public:
-    static constexpr const char* name = "ZynSecBoardRep";
-    static constexpr auto printer = PrintZynSecBoardRep;
+    static constexpr const char* name_ = "ZynSecBoardRep";
+    static constexpr auto printer_ = PrintZynSecBoardRep;
     explicit View(const ZynSecBoardRep& record) : record_(&record) {}
     const ZynSecBoardRep& get() const { return *record_; }
 
@@ -320,8 +320,8 @@ template <> struct Init<ZynSecBoardRep> {
 
 template <> class View<ZynSecBoardSnapshotReq> {
 public:
-    static constexpr const char* name = "ZynSecBoardSnapshotReq";
-    static constexpr auto printer = PrintZynSecBoardSnapshotReq;
+    static constexpr const char* name_ = "ZynSecBoardSnapshotReq";
+    static constexpr auto printer_ = PrintZynSecBoardSnapshotReq;
     explicit View(const ZynSecBoardSnapshotReq& record) : record_(&record) {}
     const ZynSecBoardSnapshotReq& get() const { return *record_; }
 
@@ -342,8 +342,8 @@ template <> struct Init<ZynSecBoardSnapshotReq> {
 
 template <> class View<ZynSecBoardSnapshotRep> {
 public:
-    static constexpr const char* name = "ZynSecBoardSnapshotRep";
-    static constexpr auto printer = PrintZynSecBoardSnapshotRep;
+    static constexpr const char* name_ = "ZynSecBoardSnapshotRep";
+    static constexpr auto printer_ = PrintZynSecBoardSnapshotRep;
     explicit View(const ZynSecBoardSnapshotRep& record) : record_(&record) {}
     const ZynSecBoardSnapshotRep& get() const { return *record_; }
 
@@ -394,8 +394,8 @@ template <> struct Init<ZynSecBoardSnapshotRep> {
 
 template <> class View<ZynSecBoardConvertPriceYieldReq> {
 public:
-    static constexpr const char* name = "ZynSecBoardConvertPriceYieldReq";
-    static constexpr auto printer = PrintZynSecBoardConvertPriceYieldReq;
+    static constexpr const char* name_ = "ZynSecBoardConvertPriceYieldReq";
+    static constexpr auto printer_ = PrintZynSecBoardConvertPriceYieldReq;
     explicit View(const ZynSecBoardConvertPriceYieldReq& record) : record_(&record) {}
     const ZynSecBoardConvertPriceYieldReq& get() const { return *record_; }
 
@@ -420,8 +420,8 @@ template <> struct Init<ZynSecBoardConvertPriceYieldReq> {
 
 template <> class View<ZynSecBoardConvertPriceYieldRep> {
 public:
-    static constexpr const char* name = "ZynSecBoardConvertPriceYieldRep";
-    static constexpr auto printer = PrintZynSecBoardConvertPriceYieldRep;
+    static constexpr const char* name_ = "ZynSecBoardConvertPriceYieldRep";
+    static constexpr auto printer_ = PrintZynSecBoardConvertPriceYieldRep;
     explicit View(const ZynSecBoardConvertPriceYieldRep& record) : record_(&record) {}
     const ZynSecBoardConvertPriceYieldRep& get() const { return *record_; }
 
@@ -442,8 +442,8 @@ template <> struct Init<ZynSecBoardConvertPriceYieldRep> {
 
 template <> class View<ZynSecBoardConvertYieldPriceReq> {
 public:
-    static constexpr const char* name = "ZynSecBoardConvertYieldPriceReq";
-    static constexpr auto printer = PrintZynSecBoardConvertYieldPriceReq;
+    static constexpr const char* name_ = "ZynSecBoardConvertYieldPriceReq";
+    static constexpr auto printer_ = PrintZynSecBoardConvertYieldPriceReq;
     explicit View(const ZynSecBoardConvertYieldPriceReq& record) : record_(&record) {}
     const ZynSecBoardConvertYieldPriceReq& get() const { return *record_; }
 
@@ -468,8 +468,8 @@ template <> struct Init<ZynSecBoardConvertYieldPriceReq> {
 
 template <> class View<ZynSecBoardConvertYieldPriceRep> {
 public:
-    static constexpr const char* name = "ZynSecBoardConvertYieldPriceRep";
-    static constexpr auto printer = PrintZynSecBoardConvertYieldPriceRep;
+    static constexpr const char* name_ = "ZynSecBoardConvertYieldPriceRep";
+    static constexpr auto printer_ = PrintZynSecBoardConvertYieldPriceRep;
     explicit View(const ZynSecBoardConvertYieldPriceRep& record) : record_(&record) {}
     const ZynSecBoardConvertYieldPriceRep& get() const { return *record_; }
 
@@ -490,8 +490,8 @@ template <> struct Init<ZynSecBoardConvertYieldPriceRep> {
 
 template <> class View<ZynSecBoardSetLastPriceOrLastYield> {
 public:
-    static constexpr const char* name = "ZynSecBoardSetLastPriceOrLastYield";
-    static constexpr auto printer = PrintZynSecBoardSetLastPriceOrLastYield;
+    static constexpr const char* name_ = "ZynSecBoardSetLastPriceOrLastYield";
+    static constexpr auto printer_ = PrintZynSecBoardSetLastPriceOrLastYield;
     explicit View(const ZynSecBoardSetLastPriceOrLastYield& record) : record_(&record) {}
     const ZynSecBoardSetLastPriceOrLastYield& get() const { return *record_; }
 
@@ -516,8 +516,8 @@ template <> struct Init<ZynSecBoardSetLastPriceOrLastYield> {
 
 template <> class View<ZynSecBoardSetRefPrice> {
 public:
-    static constexpr const char* name = "ZynSecBoardSetRefPrice";
-    static constexpr auto printer = PrintZynSecBoardSetRefPrice;
+    static constexpr const char* name_ = "ZynSecBoardSetRefPrice";
+    static constexpr auto printer_ = PrintZynSecBoardSetRefPrice;
     explicit View(const ZynSecBoardSetRefPrice& record) : record_(&record) {}
     const ZynSecBoardSetRefPrice& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynSectorReq> {
 public:
-    static constexpr const char* name = "ZynSectorReq";
-    static constexpr auto printer = PrintZynSectorReq;
+    static constexpr const char* name_ = "ZynSectorReq";
+    static constexpr auto printer_ = PrintZynSectorReq;
     explicit View(const ZynSectorReq& record) : record_(&record) {}
     const ZynSectorReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynSectorReq> {
 
 template <> class View<ZynSectorRep> {
 public:
-    static constexpr const char* name = "ZynSectorRep";
-    static constexpr auto printer = PrintZynSectorRep;
+    static constexpr const char* name_ = "ZynSectorRep";
+    static constexpr auto printer_ = PrintZynSectorRep;
     explicit View(const ZynSectorRep& record) : record_(&record) {}
     const ZynSectorRep& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynSecSettlePriceHistReq> {
 public:
-    static constexpr const char* name = "ZynSecSettlePriceHistReq";
-    static constexpr auto printer = PrintZynSecSettlePriceHistReq;
+    static constexpr const char* name_ = "ZynSecSettlePriceHistReq";
+    static constexpr auto printer_ = PrintZynSecSettlePriceHistReq;
     explicit View(const ZynSecSettlePriceHistReq& record) : record_(&record) {}
     const ZynSecSettlePriceHistReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynSecSettlePriceHistReq> {
 
 template <> class View<ZynSecSettlePriceHistRep> {
 public:
-    static constexpr const char* name = "ZynSecSettlePriceHistRep";
-    static constexpr auto printer = PrintZynSecSettlePriceHistRep;
+    static constexpr const char* name_ = "ZynSecSettlePriceHistRep";
+    static constexpr auto printer_ = PrintZynSecSettlePriceHistRep;
     explicit View(const ZynSecSettlePriceHistRep& record) : record_(&record) {}
     const ZynSecSettlePriceHistRep& get() const { return *record_; }
 
@@ -65,8 +65,8 @@ template <> struct Init<ZynSecSettlePriceHistRep> {
 
 template <> class View<ZynSecSettlePriceHistSetPrice> {
 public:
-    static constexpr const char* name = "ZynSecSettlePriceHistSetPrice";
-    static constexpr auto printer = PrintZynSecSettlePriceHistSetPrice;
+    static constexpr const char* name_ = "ZynSecSettlePriceHistSetPrice";
+    static constexpr auto printer_ = PrintZynSecSettlePriceHistSetPrice;
     explicit View(const ZynSecSettlePriceHistSetPrice& record) : record_(&record) {}
     const ZynSecSettlePriceHistSetPrice& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynSummaryData> {
 public:
-    static constexpr const char* name = "ZynSummaryData";
-    static constexpr auto printer = PrintZynSummaryData;
+    static constexpr const char* name_ = "ZynSummaryData";
+    static constexpr auto printer_ = PrintZynSummaryData;
     explicit View(const ZynSummaryData& record) : record_(&record) {}
     const ZynSummaryData& get() const { return *record_; }
 
@@ -48,8 +48,8 @@ template <> struct Init<ZynSummaryData> {
 
 template <> class View<ZynSummaryKey> {
 public:
-    static constexpr const char* name = "ZynSummaryKey";
-    static constexpr auto printer = PrintZynSummaryKey;
+    static constexpr const char* name_ = "ZynSummaryKey";
+    static constexpr auto printer_ = PrintZynSummaryKey;
     explicit View(const ZynSummaryKey& record) : record_(&record) {}
     const ZynSummaryKey& get() const { return *record_; }
 
@@ -74,8 +74,8 @@ template <> struct Init<ZynSummaryKey> {
 
 template <> class View<ZynSummaryInstrBoardReq> {
 public:
-    static constexpr const char* name = "ZynSummaryInstrBoardReq";
-    static constexpr auto printer = PrintZynSummaryInstrBoardReq;
+    static constexpr const char* name_ = "ZynSummaryInstrBoardReq";
+    static constexpr auto printer_ = PrintZynSummaryInstrBoardReq;
     explicit View(const ZynSummaryInstrBoardReq& record) : record_(&record) {}
     const ZynSummaryInstrBoardReq& get() const { return *record_; }
 
@@ -96,8 +96,8 @@ template <> struct Init<ZynSummaryInstrBoardReq> {
 
 template <> class View<ZynSummaryInstrBoardRep> {
 public:
-    static constexpr const char* name = "ZynSummaryInstrBoardRep";
-    static constexpr auto printer = PrintZynSummaryInstrBoardRep;
+    static constexpr const char* name_ = "ZynSummaryInstrBoardRep";
+    static constexpr auto printer_ = PrintZynSummaryInstrBoardRep;
     explicit View(const ZynSummaryInstrBoardRep& record) : record_(&record) {}
     const ZynSummaryInstrBoardRep& get() const { return *record_; }
 
@@ -122,8 +122,8 @@ template <> struct Init<ZynSummaryInstrBoardRep> {
 
 template <> class View<ZynSummarySectorMarketBoardReq> {
 public:
-    static constexpr const char* name = "ZynSummarySectorMarketBoardReq";
-    static constexpr auto printer = PrintZynSummarySectorMarketBoardReq;
+    static constexpr const char* name_ = "ZynSummarySectorMarketBoardReq";
+    static constexpr auto printer_ = PrintZynSummarySectorMarketBoardReq;
     explicit View(const ZynSummarySectorMarketBoardReq& record) : record_(&record) {}
     const ZynSummarySectorMarketBoardReq& get() const { return *record_; }
 
@@ -144,8 +144,8 @@ template <> struct Init<ZynSummarySectorMarketBoardReq> {
 
 template <> class View<ZynSummarySectorMarketBoardRep> {
 public:
-    static constexpr const char* name = "ZynSummarySectorMarketBoardRep";
-    static constexpr auto printer = PrintZynSummarySectorMarketBoardRep;
+    static constexpr const char* name_ = "ZynSummarySectorMarketBoardRep";
+    static constexpr auto printer_ = PrintZynSummarySectorMarketBoardRep;
     explicit View(const ZynSummarySectorMarketBoardRep& record) : record_(&record) {}
     const ZynSummarySectorMarketBoardRep& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynTradeLastNRepStatic> {
 public:
-    static constexpr const char* name = "ZynTradeLastNRepStatic";
-    static constexpr auto printer = PrintZynTradeLastNRepStatic;
+    static constexpr const char* name_ = "ZynTradeLastNRepStatic";
+    static constexpr auto printer_ = PrintZynTradeLastNRepStatic;
     explicit View(const ZynTradeLastNRepStatic& record) : record_(&record) {}
     const ZynTradeLastNRepStatic& get() const { return *record_; }
 
@@ -54,8 +54,8 @@ template <> struct Init<ZynTradeLastNRepStatic> {
 
 template <> class View<ZynTradeLastNRepDynamic> {
 public:
-    static constexpr const char* name = "ZynTradeLastNRepDynamic";
-    static constexpr auto printer = PrintZynTradeLastNRepDynamic;
+    static constexpr const char* name_ = "ZynTradeLastNRepDynamic";
+    static constexpr auto printer_ = PrintZynTradeLastNRepDynamic;
     explicit View(const ZynTradeLastNRepDynamic& record) : record_(&record) {}
     const ZynTradeLastNRepDynamic& get() const { return *record_; }
 
@@ -76,8 +76,8 @@ template <> struct Init<ZynTradeLastNRepDynamic> {
 
 template <> class View<ZynTradeRepStaticDetails> {
 public:
-    static constexpr const char* name = "ZynTradeRepStaticDetails";
-    static constexpr auto printer = PrintZynTradeRepStaticDetails;
+    static constexpr const char* name_ = "ZynTradeRepStaticDetails";
+    static constexpr auto printer_ = PrintZynTradeRepStaticDetails;
     explicit View(const ZynTradeRepStaticDetails& record) : record_(&record) {}
     const ZynTradeRepStaticDetails& get() const { return *record_; }
 
@@ -112,8 +112,8 @@ template <> struct Init<ZynTradeRepStaticDetails> {
 
 template <> class View<ZynTradeRepDynamic> {
 public:
-    static constexpr const char* name = "ZynTradeRepDynamic";
-    static constexpr auto printer = PrintZynTradeRepDynamic;
+    static constexpr const char* name_ = "ZynTradeRepDynamic";
+    static constexpr auto printer_ = PrintZynTradeRepDynamic;
     explicit View(const ZynTradeRepDynamic& record) : record_(&record) {}
     const ZynTradeRepDynamic& get() const { return *record_; }
 
@@ -136,8 +136,8 @@ template <> struct Init<ZynTradeRepDynamic> {
 
 template <> class View<ZynTradeRepStatic> {
 public:
-    static constexpr const char* name = "ZynTradeRepStatic";
-    static constexpr auto printer = PrintZynTradeRepStatic;
+    static constexpr const char* name_ = "ZynTradeRepStatic";
+    static constexpr auto printer_ = PrintZynTradeRepStatic;
     explicit View(const ZynTradeRepStatic& record) : record_(&record) {}
     const ZynTradeRepStatic& get() const { return *record_; }
 
@@ -198,8 +198,8 @@ template <> struct Init<ZynTradeRepStatic> {
 
 template <> class View<ZynTradeRep> {
 public:
-    static constexpr const char* name = "ZynTradeRep";
-    static constexpr auto printer = PrintZynTradeRep;
+    static constexpr const char* name_ = "ZynTradeRep";
+    static constexpr auto printer_ = PrintZynTradeRep;
     explicit View(const ZynTradeRep& record) : record_(&record) {}
     const ZynTradeRep& get() const { return *record_; }
 
@@ -226,8 +226,8 @@ template <> struct Init<ZynTradeRep> {
 
 template <> class View<ZynTradeLastNReq> {
 public:
-    static constexpr const char* name = "ZynTradeLastNReq";
-    static constexpr auto printer = PrintZynTradeLastNReq;
+    static constexpr const char* name_ = "ZynTradeLastNReq";
+    static constexpr auto printer_ = PrintZynTradeLastNReq;
     explicit View(const ZynTradeLastNReq& record) : record_(&record) {}
     const ZynTradeLastNReq& get() const { return *record_; }
 
@@ -248,8 +248,8 @@ template <> struct Init<ZynTradeLastNReq> {
 
 template <> class View<ZynTradeLastNRep> {
 public:
-    static constexpr const char* name = "ZynTradeLastNRep";
-    static constexpr auto printer = PrintZynTradeLastNRep;
+    static constexpr const char* name_ = "ZynTradeLastNRep";
+    static constexpr auto printer_ = PrintZynTradeLastNRep;
     explicit View(const ZynTradeLastNRep& record) : record_(&record) {}
     const ZynTradeLastNRep& get() const { return *record_; }
 
@@ -276,8 +276,8 @@ template <> struct Init<ZynTradeLastNRep> {
 
 template <> class View<ZynTradeReq> {
 public:
-    static constexpr const char* name = "ZynTradeReq";
-    static constexpr auto printer = PrintZynTradeReq;
+    static constexpr const char* name_ = "ZynTradeReq";
+    static constexpr auto printer_ = PrintZynTradeReq;
     explicit View(const ZynTradeReq& record) : record_(&record) {}
     const ZynTradeReq& get() const { return *record_; }
 
@@ -298,8 +298,8 @@ template <> struct Init<ZynTradeReq> {
 
 template <> class View<ZynTradeSingleReq> {
 public:
-    static constexpr const char* name = "ZynTradeSingleReq";
-    static constexpr auto printer = PrintZynTradeSingleReq;
+    static constexpr const char* name_ = "ZynTradeSingleReq";
+    static constexpr auto printer_ = PrintZynTradeSingleReq;
     explicit View(const ZynTradeSingleReq& record) : record_(&record) {}
     const ZynTradeSingleReq& get() const { return *record_; }
 
@@ -320,8 +320,8 @@ template <> struct Init<ZynTradeSingleReq> {
 
 template <> class View<ZynTradeCancelApprove> {
 public:
-    static constexpr const char* name = "ZynTradeCancelApprove";
-    static constexpr auto printer = PrintZynTradeCancelApprove;
+    static constexpr const char* name_ = "ZynTradeCancelApprove";
+    static constexpr auto printer_ = PrintZynTradeCancelApprove;
     explicit View(const ZynTradeCancelApprove& record) : record_(&record) {}
     const ZynTradeCancelApprove& get() const { return *record_; }
 
@@ -342,8 +342,8 @@ template <> struct Init<ZynTradeCancelApprove> {
 
 template <> class View<ZynTradeCancelConfirm> {
 public:
-    static constexpr const char* name = "ZynTradeCancelConfirm";
-    static constexpr auto printer = PrintZynTradeCancelConfirm;
+    static constexpr const char* name_ = "ZynTradeCancelConfirm";
+    static constexpr auto printer_ = PrintZynTradeCancelConfirm;
     explicit View(const ZynTradeCancelConfirm& record) : record_(&record) {}
     const ZynTradeCancelConfirm& get() const { return *record_; }
 
@@ -364,8 +364,8 @@ template <> struct Init<ZynTradeCancelConfirm> {
 
 template <> class View<ZynTradeCancelReject> {
 public:
-    static constexpr const char* name = "ZynTradeCancelReject";
-    static constexpr auto printer = PrintZynTradeCancelReject;
+    static constexpr const char* name_ = "ZynTradeCancelReject";
+    static constexpr auto printer_ = PrintZynTradeCancelReject;
     explicit View(const ZynTradeCancelReject& record) : record_(&record) {}
     const ZynTradeCancelReject& get() const { return *record_; }
 
@@ -386,8 +386,8 @@ template <> struct Init<ZynTradeCancelReject> {
 
 template <> class View<ZynTradeCancelRequest> {
 public:
-    static constexpr const char* name = "ZynTradeCancelRequest";
-    static constexpr auto printer = PrintZynTradeCancelRequest;
+    static constexpr const char* name_ = "ZynTradeCancelRequest";
+    static constexpr auto printer_ = PrintZynTradeCancelRequest;
     explicit View(const ZynTradeCancelRequest& record) : record_(&record) {}
     const ZynTradeCancelRequest& get() const { return *record_; }
 
@@ -408,8 +408,8 @@ template <> struct Init<ZynTradeCancelRequest> {
 
 template <> class View<ZynTradeSourceReq> {
 public:
-    static constexpr const char* name = "ZynTradeSourceReq";
-    static constexpr auto printer = PrintZynTradeSourceReq;
+    static constexpr const char* name_ = "ZynTradeSourceReq";
+    static constexpr auto printer_ = PrintZynTradeSourceReq;
     explicit View(const ZynTradeSourceReq& record) : record_(&record) {}
     const ZynTradeSourceReq& get() const { return *record_; }
 
@@ -430,8 +430,8 @@ template <> struct Init<ZynTradeSourceReq> {
 
 template <> class View<ZynTradeSourceRep> {
 public:
-    static constexpr const char* name = "ZynTradeSourceRep";
-    static constexpr auto printer = PrintZynTradeSourceRep;
+    static constexpr const char* name_ = "ZynTradeSourceRep";
+    static constexpr auto printer_ = PrintZynTradeSourceRep;
     explicit View(const ZynTradeSourceRep& record) : record_(&record) {}
     const ZynTradeSourceRep& get() const { return *record_; }
 
@@ -462,8 +462,8 @@ template <> struct Init<ZynTradeSourceRep> {
 
 template <> class View<ZynTradeCancel> {
 public:
-    static constexpr const char* name = "ZynTradeCancel";
-    static constexpr auto printer = PrintZynTradeCancel;
+    static constexpr const char* name_ = "ZynTradeCancel";
+    static constexpr auto printer_ = PrintZynTradeCancel;
     explicit View(const ZynTradeCancel& record) : record_(&record) {}
     const ZynTradeCancel& get() const { return *record_; }
 

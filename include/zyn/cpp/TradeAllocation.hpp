@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynTradeAllocationRepStatic> {
 public:
-    static constexpr const char* name = "ZynTradeAllocationRepStatic";
-    static constexpr auto printer = PrintZynTradeAllocationRepStatic;
+    static constexpr const char* name_ = "ZynTradeAllocationRepStatic";
+    static constexpr auto printer_ = PrintZynTradeAllocationRepStatic;
     explicit View(const ZynTradeAllocationRepStatic& record) : record_(&record) {}
     const ZynTradeAllocationRepStatic& get() const { return *record_; }
 
@@ -50,8 +50,8 @@ template <> struct Init<ZynTradeAllocationRepStatic> {
 
 template <> class View<ZynTradeAllocationRepDynamic> {
 public:
-    static constexpr const char* name = "ZynTradeAllocationRepDynamic";
-    static constexpr auto printer = PrintZynTradeAllocationRepDynamic;
+    static constexpr const char* name_ = "ZynTradeAllocationRepDynamic";
+    static constexpr auto printer_ = PrintZynTradeAllocationRepDynamic;
     explicit View(const ZynTradeAllocationRepDynamic& record) : record_(&record) {}
     const ZynTradeAllocationRepDynamic& get() const { return *record_; }
 
@@ -74,8 +74,8 @@ template <> struct Init<ZynTradeAllocationRepDynamic> {
 
 template <> class View<ZynTradeAllocationAdd> {
 public:
-    static constexpr const char* name = "ZynTradeAllocationAdd";
-    static constexpr auto printer = PrintZynTradeAllocationAdd;
+    static constexpr const char* name_ = "ZynTradeAllocationAdd";
+    static constexpr auto printer_ = PrintZynTradeAllocationAdd;
     explicit View(const ZynTradeAllocationAdd& record) : record_(&record) {}
     const ZynTradeAllocationAdd& get() const { return *record_; }
 
@@ -106,8 +106,8 @@ template <> struct Init<ZynTradeAllocationAdd> {
 
 template <> class View<ZynTradeAllocationReq> {
 public:
-    static constexpr const char* name = "ZynTradeAllocationReq";
-    static constexpr auto printer = PrintZynTradeAllocationReq;
+    static constexpr const char* name_ = "ZynTradeAllocationReq";
+    static constexpr auto printer_ = PrintZynTradeAllocationReq;
     explicit View(const ZynTradeAllocationReq& record) : record_(&record) {}
     const ZynTradeAllocationReq& get() const { return *record_; }
 
@@ -128,8 +128,8 @@ template <> struct Init<ZynTradeAllocationReq> {
 
 template <> class View<ZynTradeAllocationRep> {
 public:
-    static constexpr const char* name = "ZynTradeAllocationRep";
-    static constexpr auto printer = PrintZynTradeAllocationRep;
+    static constexpr const char* name_ = "ZynTradeAllocationRep";
+    static constexpr auto printer_ = PrintZynTradeAllocationRep;
     explicit View(const ZynTradeAllocationRep& record) : record_(&record) {}
     const ZynTradeAllocationRep& get() const { return *record_; }
 

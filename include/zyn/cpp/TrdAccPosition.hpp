@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynTrdAccPositionChangeReq> {
 public:
-    static constexpr const char* name = "ZynTrdAccPositionChangeReq";
-    static constexpr auto printer = PrintZynTrdAccPositionChangeReq;
+    static constexpr const char* name_ = "ZynTrdAccPositionChangeReq";
+    static constexpr auto printer_ = PrintZynTrdAccPositionChangeReq;
     explicit View(const ZynTrdAccPositionChangeReq& record) : record_(&record) {}
     const ZynTrdAccPositionChangeReq& get() const { return *record_; }
 
@@ -38,8 +38,8 @@ template <> struct Init<ZynTrdAccPositionChangeReq> {
 
 template <> class View<ZynTrdAccPositionChangeRep> {
 public:
-    static constexpr const char* name = "ZynTrdAccPositionChangeRep";
-    static constexpr auto printer = PrintZynTrdAccPositionChangeRep;
+    static constexpr const char* name_ = "ZynTrdAccPositionChangeRep";
+    static constexpr auto printer_ = PrintZynTrdAccPositionChangeRep;
     explicit View(const ZynTrdAccPositionChangeRep& record) : record_(&record) {}
     const ZynTrdAccPositionChangeRep& get() const { return *record_; }
 
@@ -78,8 +78,8 @@ template <> struct Init<ZynTrdAccPositionChangeRep> {
 
 template <> class View<ZynTrdAccFirmCloseOutStatusUpdate> {
 public:
-    static constexpr const char* name = "ZynTrdAccFirmCloseOutStatusUpdate";
-    static constexpr auto printer = PrintZynTrdAccFirmCloseOutStatusUpdate;
+    static constexpr const char* name_ = "ZynTrdAccFirmCloseOutStatusUpdate";
+    static constexpr auto printer_ = PrintZynTrdAccFirmCloseOutStatusUpdate;
     explicit View(const ZynTrdAccFirmCloseOutStatusUpdate& record) : record_(&record) {}
     const ZynTrdAccFirmCloseOutStatusUpdate& get() const { return *record_; }
 

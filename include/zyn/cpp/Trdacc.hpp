@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynTrdAccDetailsRepSetOfSeq> {
 public:
-    static constexpr const char* name = "ZynTrdAccDetailsRepSetOfSeq";
-    static constexpr auto printer = PrintZynTrdAccDetailsRepSetOfSeq;
+    static constexpr const char* name_ = "ZynTrdAccDetailsRepSetOfSeq";
+    static constexpr auto printer_ = PrintZynTrdAccDetailsRepSetOfSeq;
     explicit View(const ZynTrdAccDetailsRepSetOfSeq& record) : record_(&record) {}
     const ZynTrdAccDetailsRepSetOfSeq& get() const { return *record_; }
 
@@ -41,8 +41,8 @@ template <> struct Init<ZynTrdAccDetailsRepSetOfSeq> {
 
 template <> class View<ZynTrdAccDetailsReq> {
 public:
-    static constexpr const char* name = "ZynTrdAccDetailsReq";
-    static constexpr auto printer = PrintZynTrdAccDetailsReq;
+    static constexpr const char* name_ = "ZynTrdAccDetailsReq";
+    static constexpr auto printer_ = PrintZynTrdAccDetailsReq;
     explicit View(const ZynTrdAccDetailsReq& record) : record_(&record) {}
     const ZynTrdAccDetailsReq& get() const { return *record_; }
 
@@ -71,8 +71,8 @@ template <> struct Init<ZynTrdAccDetailsReq> {
 
 template <> class View<ZynTrdAccDetailsRep> {
 public:
-    static constexpr const char* name = "ZynTrdAccDetailsRep";
-    static constexpr auto printer = PrintZynTrdAccDetailsRep;
+    static constexpr const char* name_ = "ZynTrdAccDetailsRep";
+    static constexpr auto printer_ = PrintZynTrdAccDetailsRep;
     explicit View(const ZynTrdAccDetailsRep& record) : record_(&record) {}
     const ZynTrdAccDetailsRep& get() const { return *record_; }
 
@@ -101,8 +101,8 @@ template <> struct Init<ZynTrdAccDetailsRep> {
 
 template <> class View<ZynTrdAccReq> {
 public:
-    static constexpr const char* name = "ZynTrdAccReq";
-    static constexpr auto printer = PrintZynTrdAccReq;
+    static constexpr const char* name_ = "ZynTrdAccReq";
+    static constexpr auto printer_ = PrintZynTrdAccReq;
     explicit View(const ZynTrdAccReq& record) : record_(&record) {}
     const ZynTrdAccReq& get() const { return *record_; }
 
@@ -123,8 +123,8 @@ template <> struct Init<ZynTrdAccReq> {
 
 template <> class View<ZynTrdAccRep> {
 public:
-    static constexpr const char* name = "ZynTrdAccRep";
-    static constexpr auto printer = PrintZynTrdAccRep;
+    static constexpr const char* name_ = "ZynTrdAccRep";
+    static constexpr auto printer_ = PrintZynTrdAccRep;
     explicit View(const ZynTrdAccRep& record) : record_(&record) {}
     const ZynTrdAccRep& get() const { return *record_; }
 
@@ -159,8 +159,8 @@ template <> struct Init<ZynTrdAccRep> {
 
 template <> class View<ZynTrdAccValidate> {
 public:
-    static constexpr const char* name = "ZynTrdAccValidate";
-    static constexpr auto printer = PrintZynTrdAccValidate;
+    static constexpr const char* name_ = "ZynTrdAccValidate";
+    static constexpr auto printer_ = PrintZynTrdAccValidate;
     explicit View(const ZynTrdAccValidate& record) : record_(&record) {}
     const ZynTrdAccValidate& get() const { return *record_; }
 
@@ -183,8 +183,8 @@ template <> struct Init<ZynTrdAccValidate> {
 
 template <> class View<ZynTrdAccSuspend> {
 public:
-    static constexpr const char* name = "ZynTrdAccSuspend";
-    static constexpr auto printer = PrintZynTrdAccSuspend;
+    static constexpr const char* name_ = "ZynTrdAccSuspend";
+    static constexpr auto printer_ = PrintZynTrdAccSuspend;
     explicit View(const ZynTrdAccSuspend& record) : record_(&record) {}
     const ZynTrdAccSuspend& get() const { return *record_; }
 
@@ -209,8 +209,8 @@ template <> struct Init<ZynTrdAccSuspend> {
 
 template <> class View<ZynTrdAccUnsuspend> {
 public:
-    static constexpr const char* name = "ZynTrdAccUnsuspend";
-    static constexpr auto printer = PrintZynTrdAccUnsuspend;
+    static constexpr const char* name_ = "ZynTrdAccUnsuspend";
+    static constexpr auto printer_ = PrintZynTrdAccUnsuspend;
     explicit View(const ZynTrdAccUnsuspend& record) : record_(&record) {}
     const ZynTrdAccUnsuspend& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynTrdAccGrpSet> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpSet";
-    static constexpr auto printer = PrintZynTrdAccGrpSet;
+    static constexpr const char* name_ = "ZynTrdAccGrpSet";
+    static constexpr auto printer_ = PrintZynTrdAccGrpSet;
     explicit View(const ZynTrdAccGrpSet& record) : record_(&record) {}
     const ZynTrdAccGrpSet& get() const { return *record_; }
 
@@ -36,8 +36,8 @@ template <> struct Init<ZynTrdAccGrpSet> {
 
 template <> class View<ZynTrdAccGrpReq> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpReq";
-    static constexpr auto printer = PrintZynTrdAccGrpReq;
+    static constexpr const char* name_ = "ZynTrdAccGrpReq";
+    static constexpr auto printer_ = PrintZynTrdAccGrpReq;
     explicit View(const ZynTrdAccGrpReq& record) : record_(&record) {}
     const ZynTrdAccGrpReq& get() const { return *record_; }
 
@@ -58,8 +58,8 @@ template <> struct Init<ZynTrdAccGrpReq> {
 
 template <> class View<ZynTrdAccGrpRep> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpRep";
-    static constexpr auto printer = PrintZynTrdAccGrpRep;
+    static constexpr const char* name_ = "ZynTrdAccGrpRep";
+    static constexpr auto printer_ = PrintZynTrdAccGrpRep;
     explicit View(const ZynTrdAccGrpRep& record) : record_(&record) {}
     const ZynTrdAccGrpRep& get() const { return *record_; }
 
@@ -86,8 +86,8 @@ template <> struct Init<ZynTrdAccGrpRep> {
 
 template <> class View<ZynTrdAccGrpAdd> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpAdd";
-    static constexpr auto printer = PrintZynTrdAccGrpAdd;
+    static constexpr const char* name_ = "ZynTrdAccGrpAdd";
+    static constexpr auto printer_ = PrintZynTrdAccGrpAdd;
     explicit View(const ZynTrdAccGrpAdd& record) : record_(&record) {}
     const ZynTrdAccGrpAdd& get() const { return *record_; }
 
@@ -110,8 +110,8 @@ template <> struct Init<ZynTrdAccGrpAdd> {
 
 template <> class View<ZynTrdAccGrpRemove> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpRemove";
-    static constexpr auto printer = PrintZynTrdAccGrpRemove;
+    static constexpr const char* name_ = "ZynTrdAccGrpRemove";
+    static constexpr auto printer_ = PrintZynTrdAccGrpRemove;
     explicit View(const ZynTrdAccGrpRemove& record) : record_(&record) {}
     const ZynTrdAccGrpRemove& get() const { return *record_; }
 
@@ -132,8 +132,8 @@ template <> struct Init<ZynTrdAccGrpRemove> {
 
 template <> class View<ZynTrdAccGrpUserReq> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpUserReq";
-    static constexpr auto printer = PrintZynTrdAccGrpUserReq;
+    static constexpr const char* name_ = "ZynTrdAccGrpUserReq";
+    static constexpr auto printer_ = PrintZynTrdAccGrpUserReq;
     explicit View(const ZynTrdAccGrpUserReq& record) : record_(&record) {}
     const ZynTrdAccGrpUserReq& get() const { return *record_; }
 
@@ -154,8 +154,8 @@ template <> struct Init<ZynTrdAccGrpUserReq> {
 
 template <> class View<ZynTrdAccGrpUserRep> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpUserRep";
-    static constexpr auto printer = PrintZynTrdAccGrpUserRep;
+    static constexpr const char* name_ = "ZynTrdAccGrpUserRep";
+    static constexpr auto printer_ = PrintZynTrdAccGrpUserRep;
     explicit View(const ZynTrdAccGrpUserRep& record) : record_(&record) {}
     const ZynTrdAccGrpUserRep& get() const { return *record_; }
 
@@ -180,8 +180,8 @@ template <> struct Init<ZynTrdAccGrpUserRep> {
 
 template <> class View<ZynTrdAccGrpUserAdd> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpUserAdd";
-    static constexpr auto printer = PrintZynTrdAccGrpUserAdd;
+    static constexpr const char* name_ = "ZynTrdAccGrpUserAdd";
+    static constexpr auto printer_ = PrintZynTrdAccGrpUserAdd;
     explicit View(const ZynTrdAccGrpUserAdd& record) : record_(&record) {}
     const ZynTrdAccGrpUserAdd& get() const { return *record_; }
 
@@ -202,8 +202,8 @@ template <> struct Init<ZynTrdAccGrpUserAdd> {
 
 template <> class View<ZynTrdAccGrpUserRemove> {
 public:
-    static constexpr const char* name = "ZynTrdAccGrpUserRemove";
-    static constexpr auto printer = PrintZynTrdAccGrpUserRemove;
+    static constexpr const char* name_ = "ZynTrdAccGrpUserRemove";
+    static constexpr auto printer_ = PrintZynTrdAccGrpUserRemove;
     explicit View(const ZynTrdAccGrpUserRemove& record) : record_(&record) {}
     const ZynTrdAccGrpUserRemove& get() const { return *record_; }
 

@@ -11,8 +11,8 @@ namespace zyn {
 
 template <> class View<ZynTrdEventReq> {
 public:
-    static constexpr const char* name = "ZynTrdEventReq";
-    static constexpr auto printer = PrintZynTrdEventReq;
+    static constexpr const char* name_ = "ZynTrdEventReq";
+    static constexpr auto printer_ = PrintZynTrdEventReq;
     explicit View(const ZynTrdEventReq& record) : record_(&record) {}
     const ZynTrdEventReq& get() const { return *record_; }
 
@@ -33,8 +33,8 @@ template <> struct Init<ZynTrdEventReq> {
 
 template <> class View<ZynTrdEventRep> {
 public:
-    static constexpr const char* name = "ZynTrdEventRep";
-    static constexpr auto printer = PrintZynTrdEventRep;
+    static constexpr const char* name_ = "ZynTrdEventRep";
+    static constexpr auto printer_ = PrintZynTrdEventRep;
     explicit View(const ZynTrdEventRep& record) : record_(&record) {}
     const ZynTrdEventRep& get() const { return *record_; }
 
@@ -75,8 +75,8 @@ template <> struct Init<ZynTrdEventRep> {
 
 template <> class View<ZynTrdEventAdd> {
 public:
-    static constexpr const char* name = "ZynTrdEventAdd";
-    static constexpr auto printer = PrintZynTrdEventAdd;
+    static constexpr const char* name_ = "ZynTrdEventAdd";
+    static constexpr auto printer_ = PrintZynTrdEventAdd;
     explicit View(const ZynTrdEventAdd& record) : record_(&record) {}
     const ZynTrdEventAdd& get() const { return *record_; }
 
@@ -109,8 +109,8 @@ template <> struct Init<ZynTrdEventAdd> {
 
 template <> class View<ZynTrdEventRemove> {
 public:
-    static constexpr const char* name = "ZynTrdEventRemove";
-    static constexpr auto printer = PrintZynTrdEventRemove;
+    static constexpr const char* name_ = "ZynTrdEventRemove";
+    static constexpr auto printer_ = PrintZynTrdEventRemove;
     explicit View(const ZynTrdEventRemove& record) : record_(&record) {}
     const ZynTrdEventRemove& get() const { return *record_; }
 
@@ -141,8 +141,8 @@ template <> struct Init<ZynTrdEventRemove> {
 
 template <> class View<ZynTrdEventTransitionReq> {
 public:
-    static constexpr const char* name = "ZynTrdEventTransitionReq";
-    static constexpr auto printer = PrintZynTrdEventTransitionReq;
+    static constexpr const char* name_ = "ZynTrdEventTransitionReq";
+    static constexpr auto printer_ = PrintZynTrdEventTransitionReq;
     explicit View(const ZynTrdEventTransitionReq& record) : record_(&record) {}
     const ZynTrdEventTransitionReq& get() const { return *record_; }
 
@@ -163,8 +163,8 @@ template <> struct Init<ZynTrdEventTransitionReq> {
 
 template <> class View<ZynTrdEventTransitionRep> {
 public:
-    static constexpr const char* name = "ZynTrdEventTransitionRep";
-    static constexpr auto printer = PrintZynTrdEventTransitionRep;
+    static constexpr const char* name_ = "ZynTrdEventTransitionRep";
+    static constexpr auto printer_ = PrintZynTrdEventTransitionRep;
     explicit View(const ZynTrdEventTransitionRep& record) : record_(&record) {}
     const ZynTrdEventTransitionRep& get() const { return *record_; }
 

@@ -12,8 +12,8 @@ namespace zyn {
 
 template <> class View<ZynUserUpdateActivityStatusSetOfSeq> {
 public:
-    static constexpr const char* name = "ZynUserUpdateActivityStatusSetOfSeq";
-    static constexpr auto printer = PrintZynUserUpdateActivityStatusSetOfSeq;
+    static constexpr const char* name_ = "ZynUserUpdateActivityStatusSetOfSeq";
+    static constexpr auto printer_ = PrintZynUserUpdateActivityStatusSetOfSeq;
     explicit View(const ZynUserUpdateActivityStatusSetOfSeq& record) : record_(&record) {}
     const ZynUserUpdateActivityStatusSetOfSeq& get() const { return *record_; }
 
@@ -36,8 +36,8 @@ template <> struct Init<ZynUserUpdateActivityStatusSetOfSeq> {
 
 template <> class View<ZynUserRepStatic> {
 public:
-    static constexpr const char* name = "ZynUserRepStatic";
-    static constexpr auto printer = PrintZynUserRepStatic;
+    static constexpr const char* name_ = "ZynUserRepStatic";
+    static constexpr auto printer_ = PrintZynUserRepStatic;
     explicit View(const ZynUserRepStatic& record) : record_(&record) {}
     const ZynUserRepStatic& get() const { return *record_; }
 
@@ -64,8 +64,8 @@ template <> struct Init<ZynUserRepStatic> {
 
 template <> class View<ZynUserRepDynamic> {
 public:
-    static constexpr const char* name = "ZynUserRepDynamic";
-    static constexpr auto printer = PrintZynUserRepDynamic;
+    static constexpr const char* name_ = "ZynUserRepDynamic";
+    static constexpr auto printer_ = PrintZynUserRepDynamic;
     explicit View(const ZynUserRepDynamic& record) : record_(&record) {}
     const ZynUserRepDynamic& get() const { return *record_; }
 
@@ -104,8 +104,8 @@ template <> struct Init<ZynUserRepDynamic> {
 
 template <> class View<ZynUserReq> {
 public:
-    static constexpr const char* name = "ZynUserReq";
-    static constexpr auto printer = PrintZynUserReq;
+    static constexpr const char* name_ = "ZynUserReq";
+    static constexpr auto printer_ = PrintZynUserReq;
     explicit View(const ZynUserReq& record) : record_(&record) {}
     const ZynUserReq& get() const { return *record_; }
 
@@ -126,8 +126,8 @@ template <> struct Init<ZynUserReq> {
 
 template <> class View<ZynUserRep> {
 public:
-    static constexpr const char* name = "ZynUserRep";
-    static constexpr auto printer = PrintZynUserRep;
+    static constexpr const char* name_ = "ZynUserRep";
+    static constexpr auto printer_ = PrintZynUserRep;
     explicit View(const ZynUserRep& record) : record_(&record) {}
     const ZynUserRep& get() const { return *record_; }
 
@@ -154,8 +154,8 @@ template <> struct Init<ZynUserRep> {
 
 template <> class View<ZynUserIpAddrReq> {
 public:
-    static constexpr const char* name = "ZynUserIpAddrReq";
-    static constexpr auto printer = PrintZynUserIpAddrReq;
+    static constexpr const char* name_ = "ZynUserIpAddrReq";
+    static constexpr auto printer_ = PrintZynUserIpAddrReq;
     explicit View(const ZynUserIpAddrReq& record) : record_(&record) {}
     const ZynUserIpAddrReq& get() const { return *record_; }
 
@@ -178,8 +178,8 @@ template <> struct Init<ZynUserIpAddrReq> {
 
 template <> class View<ZynUserIpAddrRep> {
 public:
-    static constexpr const char* name = "ZynUserIpAddrRep";
-    static constexpr auto printer = PrintZynUserIpAddrRep;
+    static constexpr const char* name_ = "ZynUserIpAddrRep";
+    static constexpr auto printer_ = PrintZynUserIpAddrRep;
     explicit View(const ZynUserIpAddrRep& record) : record_(&record) {}
     const ZynUserIpAddrRep& get() const { return *record_; }
 
@@ -204,8 +204,8 @@ template <> struct Init<ZynUserIpAddrRep> {
 
 template <> class View<ZynUserLogon> {
 public:
-    static constexpr const char* name = "ZynUserLogon";
-    static constexpr auto printer = PrintZynUserLogon;
+    static constexpr const char* name_ = "ZynUserLogon";
+    static constexpr auto printer_ = PrintZynUserLogon;
     explicit View(const ZynUserLogon& record) : record_(&record) {}
     const ZynUserLogon& get() const { return *record_; }
 
@@ -228,8 +228,8 @@ template <> struct Init<ZynUserLogon> {
 
 template <> class View<ZynUserLogoff> {
 public:
-    static constexpr const char* name = "ZynUserLogoff";
-    static constexpr auto printer = PrintZynUserLogoff;
+    static constexpr const char* name_ = "ZynUserLogoff";
+    static constexpr auto printer_ = PrintZynUserLogoff;
     explicit View(const ZynUserLogoff& record) : record_(&record) {}
     const ZynUserLogoff& get() const { return *record_; }
 
@@ -248,8 +248,8 @@ template <> struct Init<ZynUserLogoff> {
 
 template <> class View<ZynUserSetDefaultRole> {
 public:
-    static constexpr const char* name = "ZynUserSetDefaultRole";
-    static constexpr auto printer = PrintZynUserSetDefaultRole;
+    static constexpr const char* name_ = "ZynUserSetDefaultRole";
+    static constexpr auto printer_ = PrintZynUserSetDefaultRole;
     explicit View(const ZynUserSetDefaultRole& record) : record_(&record) {}
     const ZynUserSetDefaultRole& get() const { return *record_; }
 
@@ -272,8 +272,8 @@ template <> struct Init<ZynUserSetDefaultRole> {
 
 template <> class View<ZynUserForceLogoff> {
 public:
-    static constexpr const char* name = "ZynUserForceLogoff";
-    static constexpr auto printer = PrintZynUserForceLogoff;
+    static constexpr const char* name_ = "ZynUserForceLogoff";
+    static constexpr auto printer_ = PrintZynUserForceLogoff;
     explicit View(const ZynUserForceLogoff& record) : record_(&record) {}
     const ZynUserForceLogoff& get() const { return *record_; }
 
@@ -296,8 +296,8 @@ template <> struct Init<ZynUserForceLogoff> {
 
 template <> class View<ZynUserSetOrderApprovalFlag> {
 public:
-    static constexpr const char* name = "ZynUserSetOrderApprovalFlag";
-    static constexpr auto printer = PrintZynUserSetOrderApprovalFlag;
+    static constexpr const char* name_ = "ZynUserSetOrderApprovalFlag";
+    static constexpr auto printer_ = PrintZynUserSetOrderApprovalFlag;
     explicit View(const ZynUserSetOrderApprovalFlag& record) : record_(&record) {}
     const ZynUserSetOrderApprovalFlag& get() const { return *record_; }
 
@@ -320,8 +320,8 @@ template <> struct Init<ZynUserSetOrderApprovalFlag> {
 
 template <> class View<ZynUserSetPassword> {
 public:
-    static constexpr const char* name = "ZynUserSetPassword";
-    static constexpr auto printer = PrintZynUserSetPassword;
+    static constexpr const char* name_ = "ZynUserSetPassword";
+    static constexpr auto printer_ = PrintZynUserSetPassword;
     explicit View(const ZynUserSetPassword& record) : record_(&record) {}
     const ZynUserSetPassword& get() const { return *record_; }
 
@@ -344,8 +344,8 @@ template <> struct Init<ZynUserSetPassword> {
 
 template <> class View<ZynUserSetLanguage> {
 public:
-    static constexpr const char* name = "ZynUserSetLanguage";
-    static constexpr auto printer = PrintZynUserSetLanguage;
+    static constexpr const char* name_ = "ZynUserSetLanguage";
+    static constexpr auto printer_ = PrintZynUserSetLanguage;
     explicit View(const ZynUserSetLanguage& record) : record_(&record) {}
     const ZynUserSetLanguage& get() const { return *record_; }
 
@@ -366,8 +366,8 @@ template <> struct Init<ZynUserSetLanguage> {
 
 template <> class View<ZynUserChangePassword> {
 public:
-    static constexpr const char* name = "ZynUserChangePassword";
-    static constexpr auto printer = PrintZynUserChangePassword;
+    static constexpr const char* name_ = "ZynUserChangePassword";
+    static constexpr auto printer_ = PrintZynUserChangePassword;
     explicit View(const ZynUserChangePassword& record) : record_(&record) {}
     const ZynUserChangePassword& get() const { return *record_; }
 
@@ -390,8 +390,8 @@ template <> struct Init<ZynUserChangePassword> {
 
 template <> class View<ZynUserSetIPAddrRange> {
 public:
-    static constexpr const char* name = "ZynUserSetIPAddrRange";
-    static constexpr auto printer = PrintZynUserSetIPAddrRange;
+    static constexpr const char* name_ = "ZynUserSetIPAddrRange";
+    static constexpr auto printer_ = PrintZynUserSetIPAddrRange;
     explicit View(const ZynUserSetIPAddrRange& record) : record_(&record) {}
     const ZynUserSetIPAddrRange& get() const { return *record_; }
 
@@ -422,8 +422,8 @@ template <> struct Init<ZynUserSetIPAddrRange> {
 
 template <> class View<ZynUserSuspend> {
 public:
-    static constexpr const char* name = "ZynUserSuspend";
-    static constexpr auto printer = PrintZynUserSuspend;
+    static constexpr const char* name_ = "ZynUserSuspend";
+    static constexpr auto printer_ = PrintZynUserSuspend;
     explicit View(const ZynUserSuspend& record) : record_(&record) {}
     const ZynUserSuspend& get() const { return *record_; }
 
@@ -446,8 +446,8 @@ template <> struct Init<ZynUserSuspend> {
 
 template <> class View<ZynUserOrderRuleReq> {
 public:
-    static constexpr const char* name = "ZynUserOrderRuleReq";
-    static constexpr auto printer = PrintZynUserOrderRuleReq;
+    static constexpr const char* name_ = "ZynUserOrderRuleReq";
+    static constexpr auto printer_ = PrintZynUserOrderRuleReq;
     explicit View(const ZynUserOrderRuleReq& record) : record_(&record) {}
     const ZynUserOrderRuleReq& get() const { return *record_; }
 
@@ -468,8 +468,8 @@ template <> struct Init<ZynUserOrderRuleReq> {
 
 template <> class View<ZynUserOrderRuleRep> {
 public:
-    static constexpr const char* name = "ZynUserOrderRuleRep";
-    static constexpr auto printer = PrintZynUserOrderRuleRep;
+    static constexpr const char* name_ = "ZynUserOrderRuleRep";
+    static constexpr auto printer_ = PrintZynUserOrderRuleRep;
     explicit View(const ZynUserOrderRuleRep& record) : record_(&record) {}
     const ZynUserOrderRuleRep& get() const { return *record_; }
 
@@ -516,8 +516,8 @@ template <> struct Init<ZynUserOrderRuleRep> {
 
 template <> class View<ZynUserOrderRuleAdd> {
 public:
-    static constexpr const char* name = "ZynUserOrderRuleAdd";
-    static constexpr auto printer = PrintZynUserOrderRuleAdd;
+    static constexpr const char* name_ = "ZynUserOrderRuleAdd";
+    static constexpr auto printer_ = PrintZynUserOrderRuleAdd;
     explicit View(const ZynUserOrderRuleAdd& record) : record_(&record) {}
     const ZynUserOrderRuleAdd& get() const { return *record_; }
 
@@ -558,8 +558,8 @@ template <> struct Init<ZynUserOrderRuleAdd> {
 
 template <> class View<ZynUserOrderRuleUpdate> {
 public:
-    static constexpr const char* name = "ZynUserOrderRuleUpdate";
-    static constexpr auto printer = PrintZynUserOrderRuleUpdate;
+    static constexpr const char* name_ = "ZynUserOrderRuleUpdate";
+    static constexpr auto printer_ = PrintZynUserOrderRuleUpdate;
     explicit View(const ZynUserOrderRuleUpdate& record) : record_(&record) {}
     const ZynUserOrderRuleUpdate& get() const { return *record_; }
 
@@ -600,8 +600,8 @@ template <> struct Init<ZynUserOrderRuleUpdate> {
 
 template <> class View<ZynUserOrderRuleUnDelete> {
 public:
-    static constexpr const char* name = "ZynUserOrderRuleUnDelete";
-    static constexpr auto printer = PrintZynUserOrderRuleUnDelete;
+    static constexpr const char* name_ = "ZynUserOrderRuleUnDelete";
+    static constexpr auto printer_ = PrintZynUserOrderRuleUnDelete;
     explicit View(const ZynUserOrderRuleUnDelete& record) : record_(&record) {}
     const ZynUserOrderRuleUnDelete& get() const { return *record_; }
 
@@ -626,8 +626,8 @@ template <> struct Init<ZynUserOrderRuleUnDelete> {
 
 template <> class View<ZynUserOrderRuleDelete> {
 public:
-    static constexpr const char* name = "ZynUserOrderRuleDelete";
-    static constexpr auto printer = PrintZynUserOrderRuleDelete;
+    static constexpr const char* name_ = "ZynUserOrderRuleDelete";
+    static constexpr auto printer_ = PrintZynUserOrderRuleDelete;
     explicit View(const ZynUserOrderRuleDelete& record) : record_(&record) {}
     const ZynUserOrderRuleDelete& get() const { return *record_; }
 
@@ -652,8 +652,8 @@ template <> struct Init<ZynUserOrderRuleDelete> {
 
 template <> class View<ZynUserUnsuspend> {
 public:
-    static constexpr const char* name = "ZynUserUnsuspend";
-    static constexpr auto printer = PrintZynUserUnsuspend;
+    static constexpr const char* name_ = "ZynUserUnsuspend";
+    static constexpr auto printer_ = PrintZynUserUnsuspend;
     explicit View(const ZynUserUnsuspend& record) : record_(&record) {}
     const ZynUserUnsuspend& get() const { return *record_; }
 
@@ -676,8 +676,8 @@ template <> struct Init<ZynUserUnsuspend> {
 
 template <> class View<ZynUserUpdateActivityStatus> {
 public:
-    static constexpr const char* name = "ZynUserUpdateActivityStatus";
-    static constexpr auto printer = PrintZynUserUpdateActivityStatus;
+    static constexpr const char* name_ = "ZynUserUpdateActivityStatus";
+    static constexpr auto printer_ = PrintZynUserUpdateActivityStatus;
     explicit View(const ZynUserUpdateActivityStatus& record) : record_(&record) {}
     const ZynUserUpdateActivityStatus& get() const { return *record_; }
 
@@ -698,8 +698,8 @@ template <> struct Init<ZynUserUpdateActivityStatus> {
 
 template <> class View<ZynUserCheckVersion> {
 public:
-    static constexpr const char* name = "ZynUserCheckVersion";
-    static constexpr auto printer = PrintZynUserCheckVersion;
+    static constexpr const char* name_ = "ZynUserCheckVersion";
+    static constexpr auto printer_ = PrintZynUserCheckVersion;
     explicit View(const ZynUserCheckVersion& record) : record_(&record) {}
     const ZynUserCheckVersion& get() const { return *record_; }
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -94,6 +95,9 @@ inline std::optional<Bits> optional(const AsnBits& value) {
 template <typename T> std::optional<View<T>> optionalView(const T* record) {
     return record ? std::optional<View<T>>(View<T>(*record)) : std::nullopt;
 }
+
+// The slot of a record without fields may be null.
+template <typename T> inline constexpr T empty = {};
 
 // Calls f with the value of an alternative, and with its number if f takes one: two alternatives may be of one type.
 template <uint32_t n, typename F, typename Value> decltype(auto) visitWith(F&& f, Value value) {
@@ -221,10 +225,10 @@ public:
 
     // A copy of a value, as OPTIONAL numbers need it, and one of a text.
     template <typename T> T* keep(T value) { return ::new (allocate(sizeof(T))) T(value); }
-    Octets copy(Octets text) {
-        if (text.size() == 0) return std::string_view("");
+    Octets copy(std::string_view text) {
+        if (text.empty()) return std::string_view("");
         auto* octets = static_cast<char*>(allocate(text.size()));
-        std::memcpy(octets, text.text().data(), text.size());
+        std::memcpy(octets, text.data(), text.size());
         return std::string_view(octets, text.size());
     }
 
