@@ -151,7 +151,8 @@ verb_generate() {
         --dump tests/golden/schema.txt records/*.asn1
 }
 
-## package [root]  make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
+## package [root]
+##              make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
 ##              Debian 12
 verb_package() {
     [[ ${1:-root} == root ]] || wrong_use "package takes root or nothing"
@@ -171,6 +172,16 @@ verb_package() {
     fi
 }
 
+## abi [--store]
+##              compare the libraries' binary interface with the released one; --store: keep it as the released one
+verb_abi() {
+    [[ ${1:---store} == --store ]] || wrong_use "abi takes --store or nothing"
+    set_up "${build_packages[@]}" abigail-tools xz-utils
+    build release
+    say "comparing the binary interface"
+    abi/check build/release "$(build/release/bin/zyn --version | cut -d' ' -f2)" "$@"
+}
+
 ## clean        remove all that was built
 verb_clean() {
     say "removing build/"
@@ -185,6 +196,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb == test || $verb == bench || $verb == fuzz || $verb == package || $verb == abi ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+[[ " test bench fuzz package abi " == *" $verb "* ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
 (($# <= 1)) || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"
