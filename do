@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
-test_packages=("${build_packages[@]}" libgtest-dev pkg-config abigail-tools)
+test_packages=("${build_packages[@]}" libgtest-dev pkg-config abigail-tools dpkg-dev file)
 package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
