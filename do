@@ -6,7 +6,7 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
 docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
-test_packages=("${docs_packages[@]}" libgtest-dev pkg-config valgrind)
+test_packages=("${docs_packages[@]}" libgtest-dev pkg-config valgrind abigail-tools dpkg-dev file)
 package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
@@ -198,7 +198,8 @@ verb_generate() {
         --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
 }
 
-## package [root]  make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
+## package [root]
+##              make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
 ##              Debian 12
 verb_package() {
     [[ ${1:-root} == root ]] || wrong_use "package takes root or nothing"
@@ -216,6 +217,16 @@ verb_package() {
         ((EUID == 0)) || root=(sudo -n)
         "${root[@]}" bash tests/packaging/root.sh build/packages
     fi
+}
+
+## abi [--store]
+##              compare the libraries' binary interface with the released one; --store: keep it as the released one
+verb_abi() {
+    [[ ${1:---store} == --store ]] || wrong_use "abi takes --store or nothing"
+    set_up "${build_packages[@]}" abigail-tools xz-utils
+    build release
+    say "comparing the binary interface"
+    abi/check build/release "$(build/release/bin/zyn --version | cut -d' ' -f2)" "$@"
 }
 
 ## clean        remove all that was built
