@@ -7,6 +7,8 @@ from posixpath import normpath
 import markdown
 from markupsafe import Markup
 
+from text import first_sentence
+
 
 class Page:
     def __init__(self, source, path):
@@ -17,11 +19,16 @@ class Page:
         self.url = "guide/index.html" if stem == "README" else f"guide/{stem}.html"
         self.about = ""  # a line
 
+    def first_sentence(self):
+        paragraph = next(one for one in self.text.split("\n\n") if re.match(r"[\w*`]", one))
+        plain = re.sub(r"\[([^\]]*)\]\([^)]*\)|`([^`]*)`|\*", lambda found: found[1] or found[2] or "", paragraph)
+        return first_sentence(" ".join(plain.split()))
+
 
 def pages(source):
     """The pages in their order."""
     opening = Page(source, "docs/guide/README.md")
-    opening.about = re.search(r"^(?!#)(\w.*?\.)(?:\s|$)", opening.text, re.M)[1]
+    opening.about = opening.first_sentence()
     found = [opening]
     listed = re.findall(r"^- \[[^\]]*\]\(([\w./-]+\.md)\): (.*)$", opening.text, re.M)
     about = {normpath(f"docs/guide/{name}"): text for name, text in listed}
@@ -30,7 +37,7 @@ def pages(source):
     for path in dict.fromkeys([*about, *others]):
         if path != opening.path:
             found.append(Page(source, path))
-            found[-1].about = about.get(path, "")
+            found[-1].about = about.get(path) or found[-1].first_sentence()
     return found
 
 
