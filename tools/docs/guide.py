@@ -55,10 +55,10 @@ class Renderer:
             return f"\n\nBLOCK{len(blocks) - 1}BLOCK\n\n"
         text = re.sub(r"^```(\w+)\n(.*?)^```$", aside, page.text, flags=re.M | re.S)
         html = markdown.markdown(text, extensions=["tables", "toc", "sane_lists"])
-        html = re.sub(r"<code>(\w+)</code>", self._name, html)
         html = re.sub(r'<p>(<img [^>]*>)</p>', r"<figure>\1</figure>", html)
         html = re.sub(r'<img alt="([^"]*)" src="([^"]+)" ?/?>', lambda found: self._picture(page, found), html)
         html = re.sub(r'<a href="([^"]+)">(.*?)</a>', lambda found: self._link(page, found), html, flags=re.S)
+        html = re.sub(r"(<a .*?</a>)|<code>(\w+)</code>", self._name, html, flags=re.S)
         html = re.sub(r"<table>(.*?)</table>", r'<div class="scroll"><table>\1</table></div>', html, flags=re.S)
         return Markup(re.sub(r"<p>BLOCK(\d+)BLOCK</p>", lambda found: blocks[int(found[1])], html))
 
@@ -74,7 +74,7 @@ class Renderer:
         return f'<pre class="code-{language}">' + html + "</pre>"
 
     def _name(self, found):
-        href = self.linker.href(found[1])
+        href = found[2] and self.linker.href(found[2])  # what is a link already stays so
         return f'<a href="{href}">{found[0]}</a>' if href else found[0]
 
     def _target(self, page, reference):
@@ -82,9 +82,7 @@ class Renderer:
 
     def _link(self, page, found):
         reference, anchor = re.match(r"([^#]*)(#.*)?", found[1]).groups()
-        if re.match(r"\w+:", reference) or reference.startswith(self.linker.root):
-            return found[0]
-        if not reference:
+        if not reference or re.match(r"\w+:", reference):
             return found[0]
         path = self._target(page, reference)
         if path in self.urls:
