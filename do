@@ -185,7 +185,7 @@ verb_docs() {
     say "writing build/docs"
     local start=$SECONDS bin=build/release/bin
     /usr/bin/python3 -B tools/docs/make.py --tool $bin/zyn --compiler $bin/zyn-schema --source . --out build/docs
-    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --site build/docs
+    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --source . --site build/docs
     say "open build/docs/index.html; made in $((SECONDS - start)) s"
 }
 

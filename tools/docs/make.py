@@ -132,10 +132,12 @@ class Site:
 
     def guide_pages(self):
         for page, following in zip(self.guide, self.guide[1:] + [None]):
-            def body(linker, page=page):
-                return guide.Renderer(self.source, self.out, self.files, linker).body(page)
+            renderer = guide.Renderer(self.source, self.out, self.files, text.Linker(self.names, "../"))
+            body = renderer.body(page)
             self.write("guide.html", page.url, page.title, body=body, next=following)
             self.search.append([page.title, page.url, "guide"])
+            for anchor, heading in re.findall(r'<h2 id="([^"]+)">(.*?)</h2>', body):
+                self.search.append([re.sub(r"<[^>]*>", "", heading), f"{page.url}#{anchor}", f"guide: {page.title}"])
 
     def home(self):
         readme = Path(self.source, "README.md").read_text()
