@@ -103,6 +103,7 @@ void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, vo
     const AsnLen outerLength = length;
     if (field.wrapped) {
         startElement(d);
+        d.walk.inWrapper = true;
         tag = BDecTag(d.b, count, d.env);
         if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
         length = BDecLen(d.b, count, d.env);
@@ -116,6 +117,7 @@ void decodeField(Decoder& d, const Type& type, std::size_t index, AsnTag tag, vo
     decodeValue(d, field.kind, field.type, tag, length, value, count);
     // A wrapper of definite length is not compared with what it held.
     if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, count);
+    if (field.wrapped) d.walk.inWrapper = false;
 }
 
 // A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
@@ -237,13 +239,13 @@ void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* v
 
 void decodeContent(SBuf* b, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded, jmp_buf env) {
     Step first = firstStep(b, type);
-    Walk walk = {b, &first};
+    Walk walk{b, &first};
     Decoder d{b, env, walk};
     decodeType(d, typeOf(type), tag, length, value, bytesDecoded);
 }
 
 void decodeMessage(SBuf* b, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
-    Walk walk = {b, nullptr};
+    Walk walk{b, nullptr};
     decodeMessage(walk, id, value, bytesDecoded, env);
 }
 
