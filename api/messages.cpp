@@ -31,7 +31,7 @@ SBuf readBuffer(const uint8_t* message, uint32_t length) {
 
 // The finished octets stand at the end of the block; the caller finds them at its start. Short messages are loaded whole
 // before anything is stored, as both places may overlap; that spares them a call.
-uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
+[[gnu::always_inline]] inline uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
     const auto length = static_cast<uint32_t>(end - start);
     struct Half {
         uint64_t words[4];
@@ -52,7 +52,7 @@ void emptyArena(const NibbleMem& arena) {
     if (block->curr != block->start || block != arena.firstNibbleBuf) ResetNibbleMem();
 }
 
-uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+[[gnu::noinline]] uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
     tellWay(Way::Exact);
     SBuf b = writeBuffer(buffer, bufferLen);
     const uint32_t length = encodeMessage(&b, id, envelope);
@@ -79,7 +79,7 @@ template <TypeId id>
 int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope) {
     tellWay(Way::Exact);
     SBuf b = readBuffer(buffer, length);
-    Walk walk = {&b, nullptr};
+    Walk walk{&b, nullptr};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;
@@ -219,7 +219,7 @@ int32_t ZynTextStrDecode(const uint8_t* buffer, uint32_t length, AsnOcts* text) 
     SBuf b = zyn::readBuffer(buffer, length);
     ResetNibbleMem();
     zyn::Step step = zyn::firstStep(&b, TypeId::AsnOcts);
-    zyn::Walk walk = {&b, &step};
+    zyn::Walk walk{&b, &step};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;

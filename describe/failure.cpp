@@ -93,10 +93,10 @@ void putFound(Words& words, const Failure& failure) {
 }
 
 void putExpectedFor(Words& words, const Failure& failure, const ZynType& type, AsnTag tag, const char* preposition = "for") {
-    words << "expected ";
-    putExpected(words, type, tag);
+    putExpected(words << "expected ", type, tag);
     const std::string_view label = labelOf(failure);
-    if (!label.empty()) words << " " << preposition << " " << label;
+    if (label.empty() || (type.kind == ZYN_KIND_CHOICE && label == type.name)) return;
+    words << " " << preposition << " " << label;
 }
 
 bool endsWhereFound(const Failure& failure) {
@@ -156,10 +156,9 @@ void putExpectation(Words& words, const Failure& failure) {
         putExpectedFor(words, failure, *value, type.alternatives[step.index].tag);
     } else {
         const ZynField& field = type.fields[step.index];
-        const bool insideWrapper = field.explicitTag && (failure.headOctets == 0 || failure.head[0] != field.tag >> 24);
-        putExpectedFor(words, failure, *value, insideWrapper ? integerTag : field.tag);
+        putExpectedFor(words, failure, *value, failure.inWrapper ? integerTag : field.tag);
         const bool atTag = failure.code == ZYN_E_TAG_MISSING || failure.code == ZYN_E_TAG_TOO_LONG;
-        if (atTag && field.optional) words << " or what may follow it";
+        if (atTag && field.optional && !failure.inWrapper) words << " or what may follow it";
     }
 }
 

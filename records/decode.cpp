@@ -103,6 +103,7 @@ void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, As
     const AsnLen outerLength = length;
     if (field.wrapped) {
         startElement(d, step);
+        d.walk.inWrapper = true;
         tag = nextTag(d.b, count, d.env);
         if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
         length = nextLength(d.b, count, d.env);
@@ -116,6 +117,7 @@ void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, As
     decodeValue(d, field.kind, field.type, tag, length, value, count);
     // A wrapper of definite length is not compared with what it held.
     if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, step, count);
+    if (field.wrapped) d.walk.inWrapper = false;
 }
 
 // A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
@@ -238,13 +240,13 @@ void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* v
 
 void decodeContent(SBuf* b, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded, jmp_buf env) {
     Step first = firstStep(b, type);
-    Walk walk = {b, &first};
+    Walk walk{b, &first};
     Decoder d{b, env, walk};
     decodeType(d, typeOf(type), tag, length, value, bytesDecoded);
 }
 
 void decodeMessage(SBuf* b, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
-    Walk walk = {b, nullptr};
+    Walk walk{b, nullptr};
     decodeMessage(walk, id, value, bytesDecoded, env);
 }
 

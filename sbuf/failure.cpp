@@ -40,6 +40,7 @@ void keep(int32_t code) {
     const uint8_t* element = component ? component : top.element;
     failure.atEnd = b.readError || isCutComponent(code);
     failure.inComponent = component != nullptr;
+    failure.inWrapper = walk->inWrapper;
     failure.element = offsetOf(element);
     failure.offset = failure.atEnd ? offsetOf(b.dataEnd) : failure.element;
     failure.position = offsetOf(b.readLoc);
