@@ -109,7 +109,7 @@ class Check:
             self.fault("search-index.js", f"not to be found: {sorted(missing)}")
 
     def headers(self, source):
-        for path in sorted(Path(source, "include/zyn").glob("*.h")):
+        for path in sorted(Path(source, "include/zyn").glob("*.h*")):
             name = f"headers/{path.name}.html"
             page = self.pages.get(name)
             if page is None:

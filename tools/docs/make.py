@@ -87,6 +87,7 @@ class Site:
             definition = self.schema.definition(type)
             self.write("record.html", type.url(), type.name, type=type, comment=self.comment(type), example=example,
                        shown=shown, structure=lambda linker, type=type: linker.code(self.schema.structure(type)),
+                       init=lambda linker, type=type: linker.code(self.schema.init(type), "cpp"),
                        definition=lambda linker, definition=definition: linker.asn1(definition))
             self.search.append([type.name, type.url(), f"{type.kind}, {type.module}" if type.module else type.kind])
         modules = [(module, comment, self.schema.of_module(module)) for module, comment in self.modules.items()]
@@ -119,7 +120,7 @@ class Site:
 
     def header_pages(self):
         for header in self.headers:
-            included = re.findall(r'#include "zyn/([\w.]+)"', header.text)
+            included = re.findall(r'#include "zyn/([\w./]+)"', header.text)
             header.includes = [one for one in self.headers if one.name in included]
             self.write("header.html", header.url(), header.name, header=header)
             self.search.append([header.name, header.url(), "header"])
