@@ -1,21 +1,13 @@
 # The peers: each is measured where its packages are installed. What their compilers make stays in the build tree.
 set(peers ${CMAKE_CURRENT_BINARY_DIR}/peers)
-file(MAKE_DIRECTORY ${peers}/asn1c)
+file(MAKE_DIRECTORY ${peers})
 add_custom_command(OUTPUT ${peers}/zyn.proto ${peers}/zyn.fbs ${peers}/zyn-flat.h
     COMMAND zyn-bench-schema ${peers} DEPENDS zyn-bench-schema VERBATIM)
 
-find_program(ASN1C asn1c)
-if(ASN1C)
+include(${PROJECT_SOURCE_DIR}/tools/asn1c.cmake)
+if(ZYN_ASN1C)
   file(GLOB modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/records/*.asn1)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${modules})
-  execute_process(COMMAND ${ASN1C} -fcompound-names ${modules} WORKING_DIRECTORY ${peers}/asn1c
-      OUTPUT_QUIET ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  file(GLOB sources ${peers}/asn1c/*.c)
-  list(FILTER sources EXCLUDE REGEX converter-sample)
-  add_library(zyn-bench-asn1c STATIC ${sources})
-  target_include_directories(zyn-bench-asn1c SYSTEM PUBLIC ${peers}/asn1c)
-  # Its debug calls, which have an empty body but are made all the same, are compiled out.
-  target_compile_options(zyn-bench-asn1c PRIVATE -w "-DASN_DEBUG(...)=((void)0)")
+  zyn_add_asn1c(zyn-bench-asn1c ${modules})
   target_sources(zyn-bench PRIVATE suite-asn1c.cpp)
   target_link_libraries(zyn-bench PRIVATE zyn-bench-asn1c)
 else()

@@ -4,7 +4,7 @@ file(REMOVE_RECURSE ${OUTPUT})
 file(GLOB modules ${SOURCE}/records/*.asn1)
 execute_process(
     COMMAND ${COMPILER} --headers ${OUTPUT}/include/zyn/records --rows ${OUTPUT}/records/generated
-        --dump ${OUTPUT}/tests/golden/schema.txt ${modules}
+        --dump ${OUTPUT}/tests/golden/schema.txt --flat ${OUTPUT}/asn1/Zyn.asn1 ${modules}
     RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
   message(FATAL_ERROR "zyn-schema ended with ${result}")
@@ -12,7 +12,7 @@ endif()
 
 file(GLOB_RECURSE made RELATIVE ${OUTPUT} ${OUTPUT}/*)
 file(GLOB committed RELATIVE ${SOURCE}
-    ${SOURCE}/include/zyn/records.h ${SOURCE}/include/zyn/records/* ${SOURCE}/records/generated/*)
+    ${SOURCE}/include/zyn/records.h ${SOURCE}/include/zyn/records/* ${SOURCE}/records/generated/* ${SOURCE}/asn1/*)
 set(all ${made} ${committed})
 list(REMOVE_DUPLICATES all)
 foreach(file ${all})

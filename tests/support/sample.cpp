@@ -107,7 +107,7 @@ AsnInt Sampler::integer() {
 
 // Values that survive the wire: its exponent, that of a whole mantissa, must be one that a double can have.
 AsnReal Sampler::real() {
-    if (chance(10)) return chance(50) ? 0.0 : std::numeric_limits<double>::max();
+    if (chance(10)) return chance(50) && taste.zeroReals ? 0.0 : std::numeric_limits<double>::max();
     if (chance(40)) return (static_cast<double>(below(random, 2'000'000)) - 1'000'000) / 100;
     const uint32_t octets = 1 + below(random, 7);
     uint64_t mantissa = uint64_t{random()} << 32 | random();

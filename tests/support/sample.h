@@ -27,6 +27,7 @@ struct Taste {
     uint32_t presentPercent = 50; // of the OPTIONAL fields; 0: all are absent, 100: all are there
     uint32_t longestText = 300;   // octets
     uint32_t longestList = 4;     // elements
+    bool zeroReals = true;
 };
 
 // Makes trees that live as long as the sampler. Values are often those at the edge of a form on the wire.

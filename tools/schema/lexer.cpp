@@ -21,7 +21,7 @@ std::string trimmed(std::string_view text) {
 
 class Lexer {
 public:
-    explicit Lexer(const Source& source) : file_(source.file), rest_(source.text) {}
+    explicit Lexer(const Source& source) : file_(source.file), text_(source.text), rest_(source.text) {}
 
     Lexed run() {
         while (!rest_.empty()) step();
@@ -82,7 +82,7 @@ private:
     }
 
     void add(Token::Kind kind, std::size_t length) {
-        out_.tokens.push_back({kind, std::string(rest_.substr(0, length)), line_});
+        out_.tokens.push_back({kind, std::string(rest_.substr(0, length)), line_, text_.size() - rest_.size()});
         rest_.remove_prefix(length);
         lineHasText_ = true;
     }
@@ -90,6 +90,7 @@ private:
     [[noreturn]] void refuse(const std::string& reason) const { throw Refusal(file_, line_, reason); }
 
     const std::string& file_;
+    const std::string_view text_;
     std::string_view rest_;
     int line_ = 1;
     bool lineHasText_ = false;

@@ -16,6 +16,7 @@ struct Token {
     enum class Kind { Word, Number, Symbol, End } kind;
     std::string text; // empty at the End
     int line;         // from 1
+    std::size_t offset; // of its first character in the source
 };
 
 // One comment: a line of a larger one, as a rule. text has no hyphens and no blanks at its ends.

@@ -29,7 +29,7 @@ bool isLower(char c) { return std::islower(static_cast<unsigned char>(c)); }
 
 class Parser {
 public:
-    explicit Parser(const Source& source) : file_(source.file), lexed_(lex(source)) {}
+    explicit Parser(const Source& source) : file_(source.file), text_(source.text), lexed_(lex(source)) {}
 
     Module run() {
         module_.file = file_;
@@ -43,7 +43,10 @@ public:
         for (const char* word : {"DEFINITIONS", "IMPLICIT", "TAGS", "::=", "BEGIN"}) expect(word);
         module_.remarks = moduleComment(lexed_, at_ - 1);
         if (take("IMPORTS")) imports();
+        const std::size_t bodyAt = endOfLast();
         while (!take("END")) module_.types.push_back(type());
+        module_.ahead = text_.substr(0, lexed_.tokens.front().offset);
+        module_.body = text_.substr(bodyAt, lexed_.tokens[static_cast<std::size_t>(at_) - 1].offset - bodyAt);
         if (token().kind != Token::Kind::End) refuseToken("the end of the file");
         return std::move(module_);
     }
@@ -158,6 +161,11 @@ private:
         return next().text;
     }
 
+    std::size_t endOfLast() const {
+        const Token& last = lexed_.tokens[static_cast<std::size_t>(at_) - 1];
+        return last.offset + last.text.size();
+    }
+
     const Token& token() const { return lexed_.tokens[static_cast<std::size_t>(at_)]; }
     const Token& next() { return lexed_.tokens[static_cast<std::size_t>(at_++)]; }
 
@@ -182,6 +190,7 @@ private:
     }
 
     const std::string& file_;
+    const std::string& text_;
     const Lexed lexed_;
     int at_ = 0; // index of the next token
     Module module_;

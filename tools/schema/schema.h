@@ -60,6 +60,8 @@ struct Module {
     std::string file;
     int line = 0;
     std::string remarks;
+    std::string ahead; // the text ahead of its name, all comment, as it is written
+    std::string body;  // the text of its types, with all comments, as it is written
     std::vector<Import> imports;
     std::vector<Type> types;
 };

@@ -1,0 +1,34 @@
+// Compares what the sides made of the messages, counts, and finds the reason of each difference.
+#pragma once
+
+#include <map>
+
+#include "interop/answers.h"
+#include "interop/corpus.h"
+#include "interop/reasons.h"
+
+namespace zyn::interop {
+
+// Messages by what happened, in words; under a heading.
+using Counts = std::map<std::string, std::size_t>;
+
+// Damaged messages of one kind that the sides judge alike.
+struct Kind {
+    std::string name;
+    bool takenBy[3]; // by side
+    std::string why; // where not all do the same
+
+    auto operator<=>(const Kind&) const = default;
+};
+
+struct Findings {
+    std::map<std::string, Counts> of[3];   // by side; under "sound" and each form of the messages
+    std::map<Kind, std::size_t> damaged;   // messages
+    std::map<std::string, std::vector<std::string>> unexplained; // messages by what is not explained
+    std::size_t messages[3] = {};          // by origin
+};
+
+// compare takes the answers of asn1c and of Erlang.
+Findings compare(const std::vector<Message>& corpus, const Answers& asn1c, const Answers& erlang);
+
+} // namespace zyn::interop
