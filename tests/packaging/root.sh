@@ -7,9 +7,9 @@ root=$(mktemp -d)
 trap 'umount "$root/proc" 2>/dev/null || true; rm -rf --one-file-system "$root"' EXIT
 
 say() { printf -- '-- %s\n' "$*"; }
-inside() { LC_ALL=C DEBIAN_FRONTEND=noninteractive chroot "$root" "$@"; }
+inside() { env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C DEBIAN_FRONTEND=noninteractive chroot "$root" "$@"; }
 # take PACKAGE...: installs them; a name with a star is that of a file of ours.
-take() { inside sh -c "cd /tmp && apt-get -q -q -y --no-install-recommends install $* >/dev/null"; }
+take() { inside sh -c "cd /tmp && apt-get -o Dpkg::Use-Pty=0 -q -q -y --no-install-recommends install $* >/dev/null"; }
 
 mirror=$(apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |
     awk '$1 == "bookworm" && $2 == "main" { print $3; exit }')
@@ -45,7 +45,7 @@ inside sh -euc '
     dpkg --verify libzyn1 libzyn-dev zyn-tools'
 
 say 'without them'
-inside apt-get -q -q -y purge libzyn1 libzyn-dev zyn-tools >/dev/null
+inside apt-get -o Dpkg::Use-Pty=0 -q -q -y purge libzyn1 libzyn-dev zyn-tools >/dev/null
 left=$(inside find / -xdev -name '*zyn*' -not -path '/tmp/*')
 [[ -z $left ]] || { printf 'left behind:\n%s\n' "$left" >&2; exit 1; }
 say 'all of it worked'
