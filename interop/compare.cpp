@@ -36,7 +36,7 @@ std::string formOf(TypeId type, const Octets& ours, const Octets& theirs) {
 
 // Whether b is a but for the lengths of elements with an EXPLICIT tag, [1] and [2] of one octet and 417 of three.
 bool isWrapperLength(const Octets& a, const Octets& b) {
-    if (a.size() != b.size()) return false;
+    if (a == b || a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i) {
         if (a[i] == b[i]) continue;
         const bool shortTag = i > 0 && (a[i - 1] == 0xA1 || a[i - 1] == 0xA2);
