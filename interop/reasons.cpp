@@ -14,6 +14,7 @@ constexpr Reason reasons[] = {
     {zyn, refuses, Trait::IntEmpty, "takes no INTEGER without content, which the others take for 0"},
     {zyn, refuses, Trait::TagPadded, "compares tags octet by octet"},
     {zyn, refuses, Trait::TagHighForm, "compares tags octet by octet"},
+    {zyn, refuses, Trait::TagOver3Octets, "compares tags octet by octet"},
     {zyn, refuses, Trait::LengthOver4Octets, "takes lengths of up to four octets"},
     {zyn, refuses, Trait::RealDecimal, "takes no REAL in decimal form"},
     {zyn, takes, Trait::RealCut, "takes a REAL that the data end in as far as it goes"},
@@ -61,6 +62,7 @@ constexpr const char* names[] = {
     "piece of a string of another type",
     "tag number in more octets than it needs",
     "tag number below 31 in the high form",
+    "tag of more than three octets",
     "INTEGER without content",
     "INTEGER not in the fewest octets",
     "BOOLEAN not of one octet",
@@ -71,7 +73,6 @@ constexpr const char* names[] = {
     "octets behind the message",
     "INTEGER of 5 to 8 octets",
     "INTEGER of more than 8 octets",
-    "tag of more than three octets",
     "length in more than four octets",
     "REAL beyond a double",
     "REAL in decimal form",
@@ -93,11 +94,25 @@ static_assert(std::size(names) == static_cast<std::size_t>(Trait::Count));
 
 } // namespace
 
-const Reason* reasonFor(Side side, Effect effect, const Traits& traits) {
+const Reason* reasonFor(Side side, Effect effect, Trait trait) {
     const auto found = std::ranges::find_if(reasons, [&](const Reason& reason) {
-        return reason.side == side && reason.effect == effect && has(traits, reason.trait);
+        return reason.side == side && reason.effect == effect && reason.trait == trait;
     });
     return found == std::end(reasons) ? nullptr : found;
+}
+
+Traits causesOf(Side side, Effect effect) {
+    Traits causes;
+    for (const Reason& reason : reasons) {
+        if (reason.side == side && reason.effect == effect) causes.set(static_cast<std::size_t>(reason.trait));
+    }
+    return causes;
+}
+
+Traits allCauses() {
+    Traits causes;
+    for (const Reason& reason : reasons) causes.set(static_cast<std::size_t>(reason.trait));
+    return causes;
 }
 
 const char* nameOf(Trait trait) { return names[static_cast<std::size_t>(trait)]; }
