@@ -110,12 +110,14 @@ Differences differencesOf(const Outcome& outcome, const Traits& traits) {
     return result;
 }
 
-// Whether a side does so in that outcome, and another one does not.
+// Whether a side does so in that outcome, and another one does not. Whether it refuses a value that it goes wrong with or
+// reads another one may depend on the value.
 bool shows(const Outcome& outcome, Side side, Effect effect) {
     const auto i = static_cast<std::size_t>(side);
-    if (effect == Effect::readsOther) return !outcome.reads[i];
     if (effect == Effect::writesOther) return !outcome.writes[i];
-    return outcome.takes[i] == (effect == Effect::takes) && outcome.takers() % 3 != 0;
+    const bool standsOut = outcome.takers() % 3 != 0;
+    if (effect == Effect::takes) return outcome.takes[i] && standsOut;
+    return outcome.takes[i] ? !outcome.reads[i] : standsOut;
 }
 
 class Comparison {

@@ -35,7 +35,12 @@ Element ElementReader::element(std::size_t& at, std::size_t limit) {
     result.tagSize = at - result.begin;
     const uint8_t length = next(at, limit);
     std::size_t size = length;
-    if (length == 0xFF || (length == 0x80 && !result.isConstructed())) throw Stop{Trait::LengthForm};
+    if (length == 0xFF) throw Stop{Trait::LengthForm};
+    if (length == 0x80 && !result.isConstructed()) {
+        note(Trait::PrimitiveIndefinite, result);
+        result.content = result.end = at;
+        return result;
+    }
     result.indefinite = length == 0x80;
     if (length > 0x80) {
         size = 0;
@@ -87,10 +92,9 @@ test::Octets elementOf(test::Octets tag, const test::Octets& content, std::size_
 test::Octets rewritten(const test::Octets& message, const Element& element, const Change& change) {
     if (const std::optional<test::Octets> changed = change(element)) return *changed;
     const auto at = [&](std::size_t offset) { return message.begin() + static_cast<std::ptrdiff_t>(offset); };
-    const test::Octets own(at(element.content), at(element.end));
+    if (!element.isConstructed()) return test::Octets(at(element.begin), at(element.end));
     test::Octets content;
     for (const Element& part : element.parts) test::append(content, rewritten(message, part, change));
-    if (!element.isConstructed()) content = own;
     test::Octets tag(at(element.begin), at(element.begin + element.tagSize));
     if (!element.indefinite) return elementOf(tag, content, element.content - element.begin - element.tagSize - 1);
     tag.push_back(0x80);

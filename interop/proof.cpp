@@ -23,7 +23,7 @@ Octets plainReal(const Traits& found, const Octets& content) {
     int64_t exponent = *begin & 0x80 ? -1 : 0;
     for (auto at = begin; at != end; ++at) exponent = std::clamp<int64_t>(exponent * 256 + *at, -1'000'000, 1'000'000);
     const Octets mantissa(end, content.end());
-    if (has(found, Trait::RealSubnormal)) exponent = 0;
+    if (has(found, Trait::RealSubnormal)) exponent = 1;
     if (has(found, Trait::RealBase)) {
         exponent *= (first >> 4 & 3) == 1 ? 3 : 4;
         first &= 0xCF;
@@ -32,6 +32,7 @@ Octets plainReal(const Traits& found, const Octets& content) {
         if ((first & 0x30) == 0) exponent += first >> 2 & 3;
         first &= 0xF3;
     }
+    if (exponent == 0) exponent = 1; // 0 is read alike even by a reader that takes too many octets
     const bool staysCounted = isCounted && !has(found, Trait::RealCountedExponent);
     if (isCounted && !staysCounted) size = 1;
     while (exponent >> (8 * size - 1) != 0 && exponent >> (8 * size - 1) != -1) ++size;
@@ -79,7 +80,7 @@ private:
 
     Octets plainContent(const Traits& found, const Element& element) const {
         if (hasAny(found, {Trait::IntEmpty, Trait::IntOver4Octets, Trait::IntOver8Octets})) return {0};
-        if (has(found, Trait::BoolLength)) return {0xFF};
+        if (hasAny(found, {Trait::BoolLength, Trait::PrimitiveIndefinite})) return {0xFF};
         if (hasAny(found, {Trait::BitsNoCount, Trait::BitsUnused})) return {0};
         if (has(found, Trait::EmptyFilled)) return {};
         if (hasAny(found, {Trait::RealReserved, Trait::RealCutShort, Trait::RealBeyondDouble, Trait::RealDecimal,

@@ -58,6 +58,7 @@ private:
     }
 
     std::string value(Kind kind, TypeId type, Element& element) {
+        if (has(element.traits, Trait::PrimitiveIndefinite)) return "";
         switch (kind) {
         case Kind::Int: return integer(element);
         case Kind::Bool:

@@ -20,6 +20,7 @@ constexpr Reason reasons[] = {
     {zyn, takes, Trait::RealCut, "takes a REAL that the data end in as far as it goes"},
     {zyn, takes, Trait::WrapperLength, "goes by the length of the value inside an EXPLICIT tag"},
 
+    {asn1c, takes, Trait::PrimitiveIndefinite, "takes a BOOLEAN with an indefinite length for one without content"},
     {asn1c, takes, Trait::BoolLength, "takes a BOOLEAN of any length"},
     {asn1c, takes, Trait::BitsUnused, "takes the lowest three bits of the count of unused bits"},
     {asn1c, takes, Trait::RealNaN, "takes NaN and minus zero"},
@@ -41,6 +42,7 @@ constexpr Reason reasons[] = {
     {erlang, refuses, Trait::RealCountedExponent, "counts the octets of a counted exponent wrongly"},
     {erlang, refuses, Trait::RealBase, "knows base 2 alone"},
     {erlang, refuses, Trait::NestedPieces, "fails at pieces within pieces of a string"},
+    {erlang, readsOther, Trait::NestedPieces, "fails at pieces within pieces of a string"},
     {erlang, refuses, Trait::NoPieces, "fails at a string of no pieces"},
     {erlang, refuses, Trait::BitsNoCount, "fails at a piece of a BIT STRING without its count of unused bits"},
     {erlang, readsOther, Trait::BitsNoCount, "fails at a piece of a BIT STRING without its count of unused bits"},
@@ -50,10 +52,11 @@ constexpr Reason reasons[] = {
 };
 
 constexpr const char* names[] = {
+    "primitive element with an indefinite length",
     "data end inside a REAL",
     "data end inside an element",
     "element longer than the one around it",
-    "length octet FF, or indefinite length of a primitive element",
+    "length octet FF",
     "no end-of-contents",
     "required field missing",
     "element where it does not belong",

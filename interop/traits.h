@@ -7,11 +7,12 @@ namespace zyn::interop {
 
 // What a message can have that sides may judge differently, the worst first.
 enum class Trait {
+    PrimitiveIndefinite, // 8.1.3.2; read over, as if the element had no content and no end-of-contents
     // Faults at which reading ends.
     RealCut,        // the data end inside the content of a REAL
     Cut,            // the data end inside another element
     Overrun,        // an element is longer than the one around it
-    LengthForm,     // a length's first octet is FF (8.1.3.5), or 80 on a primitive element (8.1.3.2)
+    LengthForm,     // a length's first octet is FF (8.1.3.5)
     NoEnd,          // no end-of-contents where an indefinite length ends (8.1.5)
     MissingField,   // the content ends ahead of a required field
     ForeignElement, // an element has a tag that does not belong where it stands
