@@ -9,7 +9,6 @@ test_packages=("${build_packages[@]}" libgtest-dev)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
-
 interop_packages=("${test_packages[@]}" asn1c erlang-asn1)
 
 say() { printf '== %s\n' "$*"; }
