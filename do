@@ -5,7 +5,9 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
-test_packages=("${build_packages[@]}" libgtest-dev)
+docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
+test_packages=("${docs_packages[@]}" libgtest-dev pkg-config valgrind abigail-tools dpkg-dev file)
+package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
@@ -77,7 +79,7 @@ verb_test() {
     esac
     if [[ $preset == valgrind ]]; then
         build test library-tests
-        memcheck
+        library_tests test valgrind --quiet --leak-check=full --error-exitcode=1
         return
     fi
     build "$preset"
@@ -85,33 +87,55 @@ verb_test() {
     ctest --preset "$preset"
 }
 
-# Runs the library's tests with fewer bit patterns; an error or a leak ends it.
-memcheck() {
-    local part
+# library_tests PRESET [COMMAND ...]: runs the library's tests with fewer bit patterns, each program under the command.
+library_tests() {
+    local part preset=$1
+    shift
     for part in sbuf records api thread; do
-        say "memcheck, $part-tests"
-        ZYN_FEW_PATTERNS=1 valgrind --quiet --leak-check=full --error-exitcode=1 "build/test/bin/$part-tests" --gtest_brief
+        say "$part-tests${1:+, $1}"
+        ZYN_FEW_PATTERNS=1 "$@" "build/$preset/bin/$part-tests" --gtest_brief
     done
 }
 
+## coverage     which lines and branches of the library its tests run, in figures and as a page; fails below 97 and 95 %
+verb_coverage() {
+    set_up "${test_packages[@]}" python3
+    build coverage
+    find build/coverage -name '*.gcda' -delete
+    library_tests coverage
+    say "counting; the page is build/coverage/coverage.html"
+    tools/coverage build/coverage
+}
+
+## mutate [N [SEED]]  break the library in N ways (200), one at a time, and tell which of them its tests catch; fails
+##              below 95 %
+verb_mutate() {
+    [[ ${1:-1} =~ ^[1-9][0-9]*$ && ${2:-1} =~ ^[0-9]+$ ]] || wrong_use "mutate takes a number of faults and a seed"
+    set_up "${test_packages[@]}" python3
+    say "making faults"
+    tools/mutate "$@"
+}
+
 ## bench [HOW]  measure beside the peers and the floors and print all figures; --plot: draw them as well; instructions:
-##              only count instructions, and compare them with those stored
+##              count instructions and compare them with those stored; worst: the worst messages; threads: two of them
 verb_bench() {
-    if [[ ${1:-} == instructions ]]; then
-        set_up "${build_packages[@]}" valgrind
-        build bench zyn-bench-steady
-        say "counting instructions"
-        bench/instructions build/bench
+    local how=${1:-}
+    [[ $how =~ ^(|--plot|instructions|worst|threads)$ ]] ||
+        wrong_use "bench takes --plot, instructions, worst, threads or nothing"
+    if [[ $how =~ ^[iwt] ]]; then
+        set_up "${build_packages[@]}" libbenchmark-dev valgrind
+        build bench "zyn-bench-${how/instructions/steady}"
+        say "measuring"
+        if [[ $how == instructions ]]; then bench/instructions build/bench; else "build/bench/bin/zyn-bench-$how"; fi
         return
     fi
-    [[ ${1:---plot} == --plot ]] || wrong_use "bench takes --plot, instructions or nothing"
     set_up "${bench_packages[@]}"
     build bench
     say "measuring; this takes minutes"
     bench/table build/bench
     say "measuring JSON"
     build/bench/bin/zyn-bench-json
-    if [[ ${1:-} == --plot ]]; then
+    if [[ $how == --plot ]]; then
         say "drawing docs/performance.svg"
         mkdir -p docs
         build/bench/bin/zyn-bench-plot build/bench/figures.csv docs/performance.svg
@@ -137,13 +161,71 @@ verb_fuzz() {
     fuzz/run build/fuzz "$1"
 }
 
+## lint         check the form of all code by clang-format, and library, tools and examples by clang-tidy
+verb_lint() {
+    set_up "${build_packages[@]}" clang-format clang-tidy
+    build release
+    say "clang-format"
+    written_code '*.c' '*.cpp' '*.h' '*.hpp' | xargs clang-format --dry-run -Werror
+    say "clang-tidy"
+    # The templates of the direct way are seen by the compiler's own warnings only; one file of them takes a minute here.
+    written_code 'sbuf/*.cpp' 'records/*.cpp' 'api/*.cpp' 'describe/*.cpp' 'json/*.cpp' 'tools/**.cpp' 'examples/**.c' 'examples/**.cpp' |
+        grep -v '^records/direct-' | xargs -P2 -n3 clang-tidy -p build/release --quiet
+}
+
+# The files among those named that people write.
+written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
+
+## docs         make the reference and the guide as a site in build/docs, to be read there, and check it
+verb_docs() {
+    set_up "${docs_packages[@]}"
+    build release zyn-tool
+    build release zyn-schema
+    say "writing build/docs"
+    local start=$SECONDS bin=build/release/bin
+    /usr/bin/python3 -B tools/docs/make.py --tool $bin/zyn --compiler $bin/zyn-schema --source . --out build/docs
+    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --source . --site build/docs
+    say "open build/docs/index.html; made in $((SECONDS - start)) s"
+}
+
 ## generate     make again what the schema compiler makes of records/*.asn1
 verb_generate() {
     set_up "${build_packages[@]}"
     build release zyn-schema
-    say "writing include/zyn/records, include/zyn/records.h, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
+    say "writing include/zyn/records, include/zyn/records.h, include/zyn/cpp, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
     build/release/bin/zyn-schema --headers include/zyn/records --rows records/generated \
         --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
+}
+
+## package [root]
+##              make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
+##              Debian 12
+verb_package() {
+    [[ ${1:-root} == root ]] || wrong_use "package takes root or nothing"
+    set_up "${package_packages[@]}" ${1:+debootstrap}
+    build package
+    say "packing"
+    rm -rf build/packages
+    cpack --config build/package/CPackConfig.cmake -B build/packages
+    cpack --config build/package/CPackSourceConfig.cmake -B build/packages
+    rm -r build/packages/_CPack_Packages
+    ls -l build/packages
+    if [[ -n ${1:-} ]]; then
+        say "trying the packages in a clean root"
+        local root=()
+        ((EUID == 0)) || root=(sudo -n)
+        "${root[@]}" bash tests/packaging/root.sh build/packages
+    fi
+}
+
+## abi [--store]
+##              compare the libraries' binary interface with the released one; --store: keep it as the released one
+verb_abi() {
+    [[ ${1:---store} == --store ]] || wrong_use "abi takes --store or nothing"
+    set_up "${build_packages[@]}" abigail-tools xz-utils
+    build release
+    say "comparing the binary interface"
+    abi/check build/release "$(build/release/bin/zyn --version | cut -d' ' -f2)" "$@"
 }
 
 ## clean        remove all that was built
@@ -160,6 +242,6 @@ fi
 verb=$1
 shift
 declare -F "verb_$verb" >/dev/null || wrong_use "there is no verb '$verb'; './do' alone lists them"
-[[ $verb =~ ^(test|bench|fuzz|interop)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
-(($# <= 1)) || wrong_use "'$verb' takes one word at most"
+[[ $verb =~ ^(test|bench|fuzz|interop|package|abi|mutate)$ ]] || (($# == 0)) || wrong_use "'$verb' takes nothing behind it"
+(($# <= 1)) || [[ $verb == mutate ]] || wrong_use "'$verb' takes one word at most"
 "verb_$verb" "$@"

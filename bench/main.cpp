@@ -31,8 +31,8 @@ Traffic& traffic() {
 }
 
 int table(std::vector<char*> arguments, const char* csv) {
-    std::string usual[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=15",
-                           "--benchmark_min_time=0.02"};
+    std::string usual[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=75",
+                           "--benchmark_min_time=0.004"};
     for (std::string& argument : usual) arguments.insert(arguments.begin() + 1, argument.data());
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());

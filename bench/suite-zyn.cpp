@@ -61,14 +61,31 @@ template <typename Points> void printLoop(benchmark::State& state, const Message
     std::free(text);
 }
 
-// What mixed traffic needs of a message, close together.
+union AnyEnvelope {
+    ZynTransReq transRequest;
+    ZynQueryReq queryRequest;
+    ZynTransRep transReply;
+    ZynQueryRep queryReply;
+};
+
+// What mixed traffic needs of a message, close together. The entry points are called by their addresses, so that the loop
+// itself adds as little as can be to what the machine cannot foresee.
 struct Step {
-    Channel channel;
-    uint32_t choiceId;
+    int32_t (*decode)(const uint8_t* octets, uint32_t size, AnyEnvelope* envelope);
+    uint32_t (*encode)(const Step& step);
     const uint8_t* octets;
     void* record;
     uint32_t size;
+    uint32_t choiceId;
 };
+
+template <typename Points> int32_t decodeStep(const uint8_t* octets, uint32_t size, AnyEnvelope* envelope) {
+    return Points::decode(octets, size, reinterpret_cast<typename Points::Envelope*>(envelope));
+}
+
+template <typename Points> uint32_t encodeStep(const Step& step) {
+    return Points::encode(step.record, step.choiceId, buffer, bufferSize);
+}
 
 using Order = std::vector<uint16_t>;
 
@@ -91,48 +108,15 @@ Order oneByOne(std::size_t count) {
 }
 
 void decodeMixed(benchmark::State& state, const std::vector<Step>& steps, const Order& order) {
-    union {
-        ZynTransReq transRequest;
-        ZynQueryReq queryRequest;
-        ZynTransRep transReply;
-        ZynQueryRep queryReply;
-    } envelope;
+    AnyEnvelope envelope;
     while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(order.size()))) {
-        for (const uint16_t i : order) {
-            const Step& step = steps[i];
-            int32_t code = 0;
-            switch (step.channel) {
-            case Channel::TransRequest:
-                code = ZynTransRequestDecode(step.octets, step.size, &envelope.transRequest);
-                break;
-            case Channel::QueryRequest:
-                code = ZynQueryRequestDecode(step.octets, step.size, &envelope.queryRequest);
-                break;
-            case Channel::TransReply: code = ZynTransReplyDecode(step.octets, step.size, &envelope.transReply); break;
-            case Channel::QueryReply: code = ZynQueryReplyDecode(step.octets, step.size, &envelope.queryReply); break;
-            }
-            benchmark::DoNotOptimize(code);
-        }
+        for (const uint16_t i : order) benchmark::DoNotOptimize(steps[i].decode(steps[i].octets, steps[i].size, &envelope));
     }
 }
 
 void encodeMixed(benchmark::State& state, const std::vector<Step>& steps, const Order& order) {
     while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(order.size()))) {
-        for (const uint16_t i : order) {
-            const Step& step = steps[i];
-            uint32_t size = 0;
-            switch (step.channel) {
-            case Channel::TransRequest:
-                size = ZynTransRequestEncode(sender, step.record, step.choiceId, buffer, bufferSize);
-                break;
-            case Channel::QueryRequest:
-                size = ZynQueryRequestEncode(sender, step.record, step.choiceId, buffer, bufferSize);
-                break;
-            case Channel::TransReply: size = ZynTransReplyEncode(step.record, step.choiceId, buffer, bufferSize); break;
-            case Channel::QueryReply: size = ZynQueryReplyEncode(step.record, step.choiceId, buffer, bufferSize); break;
-            }
-            benchmark::DoNotOptimize(size);
-        }
+        for (const uint16_t i : order) benchmark::DoNotOptimize(steps[i].encode(steps[i]));
     }
 }
 
@@ -141,16 +125,18 @@ void encodeMixed(benchmark::State& state, const std::vector<Step>& steps, const 
 void addMixed(const std::vector<Message>& mixed) {
     static std::vector<Step> steps;
     for (const Message& message : mixed) {
-        steps.push_back({message.channel, message.choiceId, message.octets.data(), message.record,
-                         static_cast<uint32_t>(message.octets.size())});
+        onChannel(message.channel, [&]<typename Points>(Points) {
+            steps.push_back({decodeStep<Points>, encodeStep<Points>, message.octets.data(), message.record,
+                             static_cast<uint32_t>(message.octets.size()), message.choiceId});
+        });
     }
     static const Order random = shuffled(steps.size());
     static const Order alone = oneByOne(steps.size());
-    static const Order channels = [] {
+    static const Order channels = [&] {
         Order order = random;
         for (auto start = order.begin(); start != order.end(); start += static_cast<std::ptrdiff_t>(steps.size())) {
             std::stable_sort(start, start + static_cast<std::ptrdiff_t>(steps.size()),
-                             [](uint16_t a, uint16_t b) { return steps[a].channel < steps[b].channel; });
+                             [&](uint16_t a, uint16_t b) { return mixed[a].channel < mixed[b].channel; });
         }
         return order;
     }();

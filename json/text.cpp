@@ -71,7 +71,7 @@ char* writeDecimal(char* to, double value) {
     for (unsigned places = 0; places < std::size(powers); ++places) {
         const double scaled = value * powers[places];
         if (scaled >= 1e15) return nullptr;
-        const auto whole = static_cast<uint64_t>(scaled + 0.5);
+        const auto whole = static_cast<uint64_t>(scaled + 0.5); // NOLINT(bugprone-incorrect-roundings): compared below
         if (static_cast<double>(whole) / powers[places] != value) continue;
         const auto unit = static_cast<uint64_t>(powers[places]);
         to = std::to_chars(to, to + 16, whole / unit).ptr;

@@ -260,6 +260,7 @@ void decodeMessage(Walk& walk, TypeId id, void* value, AsnLen* bytesDecoded, jmp
     }
     const AsnLen length = BDecLen(d.b, bytesDecoded, env);
     decodeType(d, type, tag, length, value, bytesDecoded);
+    walk.top = nullptr;
 }
 
 } // namespace zyn

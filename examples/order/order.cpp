@@ -129,7 +129,7 @@ private:
     };
 
     std::string add(const Order& entered) {
-        const std::string orderNo = std::to_string(++lastOrderNo_);
+        std::string orderNo = std::to_string(++lastOrderNo_);
         orders_[orderNo] = entered;
         return orderNo;
     }

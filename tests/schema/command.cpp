@@ -67,6 +67,8 @@ TEST_F(SchemaCommand, ExitCodesTellUsageFromRefusal) {
         {"--headers h --rows r none.asn1", 1, "cannot read none.asn1"},
         {"--headers h --rows r bad.asn1", 1, "bad.asn1:1: expected the name of the module but found 'bad'"},
         {"--headers in/M.asn1/h --rows r in/M.asn1", 1, "in/M.asn1"},
+        {"--remarks r.json --rows r in/M.asn1", 2, "--headers and --rows are needed"},
+        {"--remarks r.json in/M.asn1", 0, ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments);

@@ -3,6 +3,7 @@
 
 #include "schema/checker.h"
 #include "schema/emitter.h"
+#include "schema/remarks.h"
 #include "sources.h"
 
 namespace zyn::schema {
@@ -85,6 +86,19 @@ TEST(SchemaComments, GoWhereTheyBelong) {
         SCOPED_TRACE(row.why);
         EXPECT_EQ(headerOf(row.source), row.header);
     }
+}
+
+TEST(SchemaComments, AsJson) {
+    const Source source = {"M.asn1", "-- Of \"M\".\n--\n-- More.\n\nM DEFINITIONS IMPLICIT TAGS ::= BEGIN\n\n"
+                                     "-- Of T.\nT ::= SEQUENCE { -- at the brace\n"
+                                     " -- Above a.\n a [1] EXPLICIT INTEGER OPTIONAL, -- a\\b\n b [2] INTEGER\n}\n"
+                                     "U ::= SEQUENCE {}\nEND"};
+    EXPECT_EQ(remarks(compile({source})),
+              R"({"module":"M","comment":"Of \"M\".\u000aMore."})" "\n"
+              R"({"type":"T","module":"M","line":8,"comment":"Of T.\u000aat the brace","members":[)"
+              R"({"name":"a","tag":"[1] EXPLICIT","above":"Above a.","behind":"a\\b"},)"
+              R"({"name":"b","tag":"[2]","above":"","behind":""}]})" "\n"
+              R"({"type":"U","module":"M","line":13,"comment":"","members":[]})" "\n");
 }
 
 } // namespace

@@ -134,10 +134,10 @@ void TwoWays::note(const std::string& what) {
 bool TwoWays::sameWords(const uint8_t* a, const uint8_t* b, std::size_t bytes) const {
     if (std::memcmp(a, b, bytes) == 0) return true;
     std::size_t i = 0;
-    for (; i + 8 <= bytes; i += 8) {
-        uint64_t words[2];
-        std::memcpy(&words[0], a + i, 8);
-        std::memcpy(&words[1], b + i, 8);
+    uintptr_t words[2];
+    for (; i + sizeof *words <= bytes; i += sizeof *words) {
+        std::memcpy(&words[0], a + i, sizeof *words);
+        std::memcpy(&words[1], b + i, sizeof *words);
         if (words[0] == words[1]) continue;
         const auto place = placeOf(arenas[0], words[0]);
         if (place.first < 0 || place != placeOf(arenas[1], words[1])) return false;

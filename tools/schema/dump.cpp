@@ -12,7 +12,7 @@ namespace {
 std::string tagColumn(const Member& member) {
     const Kind kind = member.use.kind;
     const bool wrapped = member.tag.form == Tagging::Form::Explicit;
-    const std::string inner = kind == Kind::Choice ? "*" : octetsOf(universalTag(kind));
+    std::string inner = kind == Kind::Choice ? "*" : octetsOf(universalTag(kind));
     if (!wrapped && kind == Kind::Choice) return inner;
     std::string text;
     for (const WireTag& tag : acceptedTags(member)) text += (text.empty() ? "" : "|") + octetsOf(tag);

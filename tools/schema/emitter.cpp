@@ -108,10 +108,12 @@ Output emit(const Schema& schema) {
         for (const Type& type : module.types) checkNames(module, type);
         checkLists(module);
         output.headers.push_back({module.name + ".h", emitHeader(module)});
+        output.cpp.push_back({module.name + ".hpp", emitCpp(module)});
         output.rows.push_back({module.name + ".rows.h", emitRows(module)});
         output.rows.push_back({module.name + ".cpp", emitExports(module)});
     }
     output.allHeaders = {"records.h", emitAllHeaders(schema)};
+    output.cpp.push_back({"records.hpp", emitAllCpp(schema)});
     output.rows.push_back({"type-ids.h", emitTypeIds(schema)});
     output.rows.push_back({"modules.h", emitModules(schema)});
     output.rows.push_back({"sources.cmake", emitSources(schema)});

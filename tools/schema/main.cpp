@@ -14,6 +14,7 @@
 #include "schema/dump.h"
 #include "schema/emitter.h"
 #include "schema/flat.h"
+#include "schema/remarks.h"
 
 namespace {
 
@@ -22,19 +23,22 @@ namespace fs = std::filesystem;
 
 constexpr const char* usage =
     "usage: zyn-schema --headers DIR --rows DIR [--dump FILE] [--flat FILE] MODULE.asn1...\n"
+    "       zyn-schema --remarks FILE MODULE.asn1...\n"
     "\n"
     "Compiles the ASN.1 modules of the protocol, in any order.\n"
-    "  --headers DIR  writes DIR/MODULE.h for each module, and DIR/../records.h, which includes them all\n"
+    "  --headers DIR  writes DIR/MODULE.h for each module, and DIR/../records.h, which includes them all;\n"
+    "                 for C++ DIR/../cpp/MODULE.hpp and DIR/../cpp/records.hpp\n"
     "  --rows DIR     writes the field tables and export stubs of the library\n"
     "  --dump FILE    writes the compiled schema as text\n"
     "  --flat FILE    writes all types as one module, which has the name of the file\n"
+    "  --remarks FILE writes the comments as JSON: a line for each module and each type\n"
     "  --help         prints this\n"
     "Files that would stay as they are, are not touched. A schema that is not understood, or that is\n"
     "ambiguous on the wire, is refused with file, line and reason, and nothing is written.\n"
     "Exit codes: 0 done, 1 refused or not readable or writable, 2 wrong usage.\n";
 
 struct Arguments {
-    std::string headers, rows, dump, flat;
+    std::string headers, rows, dump, flat, remarks;
     std::vector<std::string> files;
 };
 
@@ -54,7 +58,8 @@ Arguments parseArguments(const std::vector<std::string_view>& words) {
                              : *word == "--rows"  ? &arguments.rows
                              : *word == "--dump"  ? &arguments.dump
                              : *word == "--flat"  ? &arguments.flat
-                                                  : nullptr;
+                             : *word == "--remarks" ? &arguments.remarks
+                                                    : nullptr;
         if (!value && word->starts_with('-')) throw WrongUsage("unknown option " + std::string(*word));
         if (!value) {
             arguments.files.emplace_back(*word);
@@ -63,7 +68,8 @@ Arguments parseArguments(const std::vector<std::string_view>& words) {
         if (++word == words.end()) throw WrongUsage(std::string(*--word) + " needs a value");
         *value = *word;
     }
-    if (arguments.headers.empty() || arguments.rows.empty()) {
+    const bool onlyRemarks = !arguments.remarks.empty() && arguments.headers.empty() && arguments.rows.empty();
+    if (!onlyRemarks && (arguments.headers.empty() || arguments.rows.empty())) {
         throw WrongUsage("--headers and --rows are needed");
     }
     if (!arguments.flat.empty() && !isModuleName(fs::path(arguments.flat).stem().string())) {
@@ -92,9 +98,12 @@ void run(const Arguments& arguments) {
     std::vector<Source> sources;
     for (const std::string& file : arguments.files) sources.push_back({file, readFile(file)});
     const Schema schema = compile(sources);
+    if (!arguments.remarks.empty()) writeFile(arguments.remarks, remarks(schema));
+    if (arguments.headers.empty()) return;
     const Output output = emit(schema);
     const fs::path headers = arguments.headers, rows = arguments.rows;
     for (const OutputFile& file : output.headers) writeFile(headers / file.name, file.text);
+    for (const OutputFile& file : output.cpp) writeFile(headers / ".." / "cpp" / file.name, file.text);
     writeFile(headers / ".." / output.allHeaders.name, output.allHeaders.text);
     for (const OutputFile& file : output.rows) writeFile(rows / file.name, file.text);
     if (!arguments.dump.empty()) {

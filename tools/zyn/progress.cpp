@@ -1,6 +1,7 @@
 #include "progress.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include <sys/ioctl.h>
@@ -30,7 +31,7 @@ std::string scaled(double number, const std::string& unit) {
 
 std::string duration(double seconds) {
     char text[32];
-    const auto whole = static_cast<unsigned long>(seconds + 0.5);
+    const auto whole = static_cast<unsigned long>(std::llround(seconds));
     if (whole < 60) std::snprintf(text, sizeof text, "%lu s", whole);
     else if (whole < 3600) std::snprintf(text, sizeof text, "%lu:%02lu min", whole / 60, whole % 60);
     else std::snprintf(text, sizeof text, "%lu:%02lu h", whole / 3600, whole / 60 % 60);

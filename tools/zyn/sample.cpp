@@ -16,7 +16,7 @@ namespace zyn::tool {
 namespace {
 
 std::vector<Message> chosenMessages(const std::vector<std::string>& names) {
-    const std::vector<Message> all = allMessages();
+    std::vector<Message> all = allMessages();
     if (names.empty()) return all;
     std::vector<Message> chosen;
     for (const std::string& name : names) {
