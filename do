@@ -11,7 +11,6 @@ package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
-
 interop_packages=("${test_packages[@]}" asn1c erlang-asn1)
 
 say() { printf '== %s\n' "$*"; }
