@@ -174,7 +174,7 @@ verb_lint() {
 }
 
 # The files among those named that people write.
-written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
+written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records' -e '^include/zyn/cpp/[A-Zr]'; }
 
 ## docs         make the reference and the guide as a site in build/docs, to be read there, and check it
 verb_docs() {
