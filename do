@@ -92,7 +92,7 @@ verb_test() {
 library_tests() {
     local part preset=$1
     shift
-    for part in sbuf records api thread; do
+    for part in sbuf records describe api thread; do
         say "$part-tests${1:+, $1}"
         ZYN_FEW_PATTERNS=1 "$@" "build/$preset/bin/$part-tests" --gtest_brief
     done
