@@ -17,6 +17,7 @@ extern "C" {
 void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
 void* __real_realloc(void* memory, size_t size);
+void __real_free(void* memory);
 }
 
 namespace {
@@ -38,12 +39,27 @@ struct Allocator {
     }
 } allocator;
 
+int held = 0; // pieces of memory that were taken and have not been given back
+
+void* counted(void* memory) {
+    held += memory != nullptr;
+    return memory;
+}
+
 } // namespace
 
 extern "C" {
-void* __wrap_malloc(size_t size) { return allocator.grants() ? __real_malloc(size) : nullptr; }
-void* __wrap_calloc(size_t count, size_t size) { return allocator.grants() ? __real_calloc(count, size) : nullptr; }
-void* __wrap_realloc(void* memory, size_t size) { return allocator.grants() ? __real_realloc(memory, size) : nullptr; }
+void* __wrap_malloc(size_t size) { return allocator.grants() ? counted(__real_malloc(size)) : nullptr; }
+void* __wrap_calloc(size_t count, size_t size) { return allocator.grants() ? counted(__real_calloc(count, size)) : nullptr; }
+void* __wrap_realloc(void* memory, size_t size) {
+    if (!allocator.grants()) return nullptr;
+    void* moved = __real_realloc(memory, size);
+    return memory ? moved : counted(moved);
+}
+void __wrap_free(void* memory) {
+    held -= memory != nullptr;
+    __real_free(memory);
+}
 }
 
 namespace zyn::test {
@@ -62,6 +78,8 @@ int errorsReported = 0;
 // The least allocations that call is known to make keep the loop from proving nothing.
 template <typename Prepare, typename Call> void refuseEach(unsigned atLeast, Prepare prepare, Call call) {
     Asn1ErrorHandler previous = Asn1InstallErrorHandler([](char*, int) { ++errorsReported; });
+    ZynShutdown();
+    const int before = held;
     for (const Refuse refuse : {Refuse::One, Refuse::AllLater}) {
         for (unsigned nth = 1;; ++nth) {
             prepare();
@@ -74,6 +92,7 @@ template <typename Prepare, typename Call> void refuseEach(unsigned atLeast, Pre
             EXPECT_EQ(errorsReported, 0) << "refused memory is no message's fault";
             EXPECT_EQ(call(), End::Good) << "behind the refusal of allocation " << nth;
             ZynShutdown();
+            EXPECT_EQ(held, before) << "all memory is given back, with allocation " << nth << " refused";
             if (!refused) {
                 EXPECT_GT(nth, atLeast);
                 break;
@@ -203,6 +222,12 @@ template <auto set> End sendPrice() {
 void setNullPrice(AsnFixedReal* price) { ZynFixedRealSet(price, -99999999.0); }
 void setPrice(AsnFixedReal* price) { ZynFixedRealSetWithDecimals(price, 1.5, 2); }
 
+End decodeReply() {
+    const uint8_t octets[] = {0xA0, 0x00};
+    ZynTransRep reply;
+    return endOf(ZynTransReplyDecode(octets, sizeof octets, &reply));
+}
+
 End makeContext() {
     ZynContext* context = ZynContextNew();
     ZynContextFree(context);
@@ -260,6 +285,7 @@ TEST(Refusal, EveryCall) {
         {"ZynTextStrDecode, set-up", 5, noArena, decodeText},
         {"ZynTransReplyEncode", 3, noArena, encodeReply<ZynTransReplyEncode>},
         {"ZynQueryReplyEncode", 3, noArena, encodeReply<ZynQueryReplyEncode>},
+        {"ZynTransReplyDecode", 3, noArena, decodeReply},
         {"ZynTransRequestEncode", 3, noArena, encodeRequest<ZynTransRequestEncode>},
         {"ZynQueryRequestEncode", 3, noArena, encodeRequest<ZynQueryRequestEncode>},
         {"OCTET STRING", 2, tinyArena, [] { return decodeOcts(hex("04 09 41 41 41 41 41 41 41 41 41"), 9); }},
@@ -309,6 +335,19 @@ TEST(Refusal, EveryMessage) {
             ZynShutdown();
         }
     }
+}
+
+TEST(Refusal, BlocksBehindTheFirstAreGivenBackByAReset) {
+    ZynShutdown();
+    const int before = held;
+    ZynEncodeMemAlloc(8);
+    const int withOneBlock = held;
+    for (int i = 0; i < 3; ++i) ZynEncodeMemAlloc(20'000);
+    EXPECT_EQ(held, withOneBlock + 6);
+    ZynEncodeMemReset();
+    EXPECT_EQ(held, withOneBlock);
+    ZynShutdown();
+    EXPECT_EQ(held, before);
 }
 
 // Rounding such a size up to 8 has no room in 32 bits.

@@ -31,7 +31,7 @@ TEST(TextSet, TrimsBlanksAtTheEndAndNothingElse) {
 TEST(TextGet, CutsAndPads) {
     struct Row { const char* text; int32_t width; const char* expected; };
     const Row rows[] = {
-        {"ABCDEF", 4, "ABCD"}, {"AB", 4, "AB  "}, {"ABCDEF", 0, "ABCDEF"}, {"ABCDEF", -1, "ABCDEF"},
+        {"ABCDEF", 4, "ABCD"}, {"AB", 1, "A"}, {"AB", 4, "AB  "}, {"ABCDEF", 0, "ABCDEF"}, {"ABCDEF", -1, "ABCDEF"},
         {nullptr, 3, "   "},   {nullptr, 0, ""},  {"", 2, "  "},           {"ABCD", 4, "ABCD"},
     };
     for (const Row& row : rows) {

@@ -146,6 +146,27 @@ TEST_F(Strings, Encoding) {
     EXPECT_EQ(b.writeError, 1);
 }
 
+TEST_F(Strings, WithoutAnArenaThereIsNoMemory) {
+    ShutdownNibbleMem();
+    EXPECT_EQ(octets(hex("04 01 41")), "-27 ");
+    EXPECT_EQ(bits(hex("03 02 00 41")), "-27 ");
+}
+
+// A buffer that has failed stays so, even where octets follow.
+TEST_F(Strings, AFailedBufferGivesNothing) {
+    auto data = hex("00 00 04 01 41");
+    const auto code = [&](auto decode) {
+        SBuf b = readingBuffer(data.data(), data.size());
+        b.readError = 1;
+        AsnLen counted = 0;
+        AsnOcts v{};
+        return caught([&](jmp_buf env) { decode(&b, &v, &counted, env); }).code;
+    };
+    EXPECT_EQ(code([](SBuf* b, AsnOcts*, AsnLen* n, jmp_buf env) { BDecEoc(b, n, env); }), -16);
+    EXPECT_EQ(code([](SBuf* b, AsnOcts* v, AsnLen* n, jmp_buf env) { BDecAsnOctsContent(b, 0x24000000, 5, v, n, env); }), -26);
+    EXPECT_EQ(code([](SBuf* b, AsnOcts* v, AsnLen* n, jmp_buf env) { BDecAsnOctsContent(b, 0x04000000, 5, v, n, env); }), -20);
+}
+
 TEST_F(Strings, TheStackGrowsInStepsAndStays) {
     std::string pieces;
     for (int i = 0; i < 200; ++i) pieces += "04 01 41 ";
@@ -187,6 +208,12 @@ TEST(BitOperations, StayInsideTheString) {
         ClrAsnBit(&v, beyond);
         EXPECT_EQ(GetAsnBit(&v, beyond), 0) << beyond;
     }
+    for (const int32_t none : {0, -1, INT32_MIN}) {
+        v.bitLen = none;
+        SetAsnBit(&v, 0);
+        EXPECT_EQ(GetAsnBit(&v, 3), 0) << none;
+    }
+    FreeAsnBits(&v);
     EXPECT_EQ(toHex(octets, 2), "00 1F");
 }
 
