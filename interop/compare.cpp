@@ -134,7 +134,8 @@ public:
         Differences differences = differencesOf(outcome, traits);
         if (!differences.empty()) explain(message, traits, differences);
         if (isDamaged) {
-            if (outcome.takers() == 0 && !isFaulty(traits)) unexplained(message, traits, "all", "refuse a sound message");
+            if (outcome.takers() == 0 && !isFaulty(traits))
+                unexplained(message, traits, "all", "refuse a sound message");
             countDamaged(outcome, differences, traits);
         } else {
             // The others refuse or take a piece of a BIT STRING that lacks its first octet, as all damaged messages.
@@ -160,7 +161,8 @@ private:
     void explain(const Message& message, const Traits& traits, Differences& differences) {
         const Traits known = traits & allCauses();
         const std::optional<Outcome> without = outcomeWithout(known, "without/", message);
-        if (without && *without != agreement) unexplained(message, traits, "the sides", "differ without any cause as well");
+        if (without && *without != agreement)
+            unexplained(message, traits, "the sides", "differ without any cause as well");
         for (std::size_t i = 0; i < known.size(); ++i) {
             const auto isCandidate = [&](const Difference& each) { return !each.reason && each.candidates[i]; };
             if (!known[i] || std::ranges::none_of(differences, isCandidate)) continue;
@@ -173,7 +175,8 @@ private:
             }
         }
         for (const Difference& each : differences) {
-            if (!each.reason && sources.asn1cProofs) unexplained(message, traits, nameOf(each.side), effectText(each.effect));
+            if (!each.reason && sources.asn1cProofs)
+                unexplained(message, traits, nameOf(each.side), effectText(each.effect));
         }
     }
 

@@ -22,11 +22,11 @@ struct Kind {
 };
 
 struct Findings {
-    std::map<std::string, Counts> of[3];   // by side; under "sound" and each form of the messages
-    std::map<Kind, std::size_t> damaged;   // messages
+    std::map<std::string, Counts> of[3];                         // by side; under "sound" and each form of the messages
+    std::map<Kind, std::size_t> damaged;                         // messages
     std::map<std::string, std::vector<std::string>> unexplained; // messages by what is not explained
-    std::size_t messages[3] = {};          // by origin
-    std::vector<Message> proofs;           // see proof.h
+    std::size_t messages[3] = {};                                // by origin
+    std::vector<Message> proofs;                                 // see proof.h
 };
 
 // The answers of the peers to the messages, and to their proofs, if there are any yet.

@@ -24,18 +24,18 @@ const Octets contents[] = {
     {},
     {0x00},
     {0xFF},
-    {0x00, 0x05},                                                       // an INTEGER that could be shorter
+    {0x00, 0x05}, // an INTEGER that could be shorter
     {0xFF, 0x80},
     {0x00, 0x00, 0x00, 0x00, 0x05},
-    {0x00, 0x80, 0x00, 0x00, 0x00},                                     // an INTEGER of 33 bits
-    {0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},                   // of 64
-    {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00},             // of 65
-    {0x40},                                                             // REAL: infinity
+    {0x00, 0x80, 0x00, 0x00, 0x00},                         // an INTEGER of 33 bits
+    {0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},       // of 64
+    {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, // of 65
+    {0x40},                                                 // REAL: infinity
     {0x41},
-    {0x42},                                                             // NaN
-    {0x43},                                                             // minus zero
+    {0x42}, // NaN
+    {0x43}, // minus zero
     {0x44},
-    {0x03, '1', '5', '.', 'E', '-', '1'},                               // decimal
+    {0x03, '1', '5', '.', 'E', '-', '1'}, // decimal
     {0x01, ' ', '1', '2'},
     {0x80},
     {0x80, 0x01},                                                       // no mantissa
@@ -63,7 +63,9 @@ const char* changeOctets(Octets& message, Random& random, const std::vector<cons
     case 2: message.erase(place); return "octet-lost";
     case 3: message.insert(place, static_cast<uint8_t>(random())); return "octet-inserted";
     case 4: message.erase(place, message.end()); return "cut-off";
-    default: message.insert(message.end(), 1 + below(random, 3), static_cast<uint8_t>(random())); return "octets-behind";
+    default:
+        message.insert(message.end(), 1 + below(random, 3), static_cast<uint8_t>(random()));
+        return "octets-behind";
     }
 }
 

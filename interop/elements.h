@@ -11,12 +11,12 @@
 namespace zyn::interop {
 
 struct Element {
-    uint8_t leading = 0;        // class and constructed bit; the number's bits are 0
-    uint64_t number = 0;        // of the tag
-    std::size_t tagSize = 0;    // octets
-    std::size_t begin = 0;      // where it stands in the message
-    std::size_t content = 0;    // where its content begins
-    std::size_t end = 0;        // and ends, ahead of an end-of-contents
+    uint8_t leading = 0;     // class and constructed bit; the number's bits are 0
+    uint64_t number = 0;     // of the tag
+    std::size_t tagSize = 0; // octets
+    std::size_t begin = 0;   // where it stands in the message
+    std::size_t content = 0; // where its content begins
+    std::size_t end = 0;     // and ends, ahead of an end-of-contents
     bool indefinite = false;
     std::vector<Element> parts; // if it is constructed
     Traits traits;              // its own, not those of its parts

@@ -18,9 +18,12 @@ constexpr const char* usage =
     "       zyn-interop proofs COUNT ASN1C ERLANG\n"
     "       zyn-interop compare COUNT ASN1C ERLANG ASN1C-PROOFS ERLANG-PROOFS\n"
     "\n"
-    "messages writes COUNT messages of each alternative as the library encodes them, as many in other forms of BER and\n"
-    "as many damaged ones; a line each, \"name module type octets\". proofs reads what the peers answered and writes the\n"
-    "messages that show the cause of each difference. compare reads what the peers answered to both, writes tables, and\n"
+    "messages writes COUNT messages of each alternative as the library encodes them, as many in other forms of BER "
+    "and\n"
+    "as many damaged ones; a line each, \"name module type octets\". proofs reads what the peers answered and writes "
+    "the\n"
+    "messages that show the cause of each difference. compare reads what the peers answered to both, writes tables, "
+    "and\n"
     "ends with 1 if there is a difference that has no reason known, or another one than the one it knows.\n";
 
 int writeMessages(const std::vector<Message>& corpus) {

@@ -39,7 +39,8 @@ Octets plainReal(const Traits& found, const Octets& content) {
     first = static_cast<uint8_t>((first & 0xFC) | (staysCounted ? 3 : size - 1));
     Octets result{first};
     if (staysCounted) result.push_back(static_cast<uint8_t>(size));
-    for (std::size_t i = size; i-- > 0;) result.push_back(static_cast<uint8_t>(exponent >> std::min<std::size_t>(8 * i, 63)));
+    for (std::size_t i = size; i-- > 0;)
+        result.push_back(static_cast<uint8_t>(exponent >> std::min<std::size_t>(8 * i, 63)));
     test::append(result, mantissa);
     return result;
 }
@@ -68,7 +69,9 @@ public:
     }
 
 private:
-    Octets::const_iterator at(std::size_t offset) const { return message.begin() + static_cast<std::ptrdiff_t>(offset); }
+    Octets::const_iterator at(std::size_t offset) const {
+        return message.begin() + static_cast<std::ptrdiff_t>(offset);
+    }
 
     static Octets plainTag(const Element& element) {
         if (element.number < 31) return {static_cast<uint8_t>(element.leading | element.number)};

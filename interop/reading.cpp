@@ -174,7 +174,8 @@ private:
             return "";
         }
         const unsigned spare = (1u << unused) - 1;
-        if ((content[size - 1] & spare) == 0 || unused == 0) return hexOf(content + 1, size - 1) + "/" + std::to_string(unused);
+        if ((content[size - 1] & spare) == 0 || unused == 0)
+            return hexOf(content + 1, size - 1) + "/" + std::to_string(unused);
         elements.note(Trait::BitsSpare, element);
         test::Octets bits(content + 1, content + size);
         if (normal.bits) bits.back() &= static_cast<uint8_t>(~spare);

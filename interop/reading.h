@@ -19,9 +19,10 @@ struct Normal {
 
 struct Reading {
     Traits traits;
-    std::optional<Element> whole; // with traits at each element that has some; none where not all elements could be told
-    std::size_t missing = 0;      // of RealCut: octets
-    std::string text;             // tags and contents; of no use where reading has ended early
+    std::optional<Element>
+        whole;               // with traits at each element that has some; none where not all elements could be told
+    std::size_t missing = 0; // of RealCut: octets
+    std::string text;        // tags and contents; of no use where reading has ended early
 };
 
 Reading read(TypeId type, const test::Octets& octets, Normal normal = {});

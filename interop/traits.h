@@ -27,22 +27,22 @@ enum class Trait {
     IntNotShortest, // 8.3.2, in up to four octets
     BoolLength,     // 8.2.1
     BitsNoCount,    // a BIT STRING, or a piece of one, lacks the count of unused bits (8.6.2.2)
-    BitsUnused,     // it counts more than 7 (8.6.2.2), more than it has (8.6.2.3), or some ahead of the last piece (8.6.4)
-    RealReserved,   // a first octet that means nothing (8.5), or a reserved base (8.5.7.2)
-    RealCutShort,   // a REAL without exponent or without mantissa (8.5.7)
-    OctetsBehind,   // the message is sound, and ends ahead of the data
+    BitsUnused, // it counts more than 7 (8.6.2.2), more than it has (8.6.2.3), or some ahead of the last piece (8.6.4)
+    RealReserved, // a first octet that means nothing (8.5), or a reserved base (8.5.7.2)
+    RealCutShort, // a REAL without exponent or without mantissa (8.5.7)
+    OctetsBehind, // the message is sound, and ends ahead of the data
     // No faults of the message.
     IntOver4Octets,
     IntOver8Octets,
-    LengthOver4Octets, // a length in more than four octets beyond its first
-    RealBeyondDouble,  // mantissa or exponent of a REAL are more than a double holds
-    RealDecimal,       // 8.5.8
-    RealNaN,           // and minus zero, which later editions have (8.5.9)
-    RealInfinite,      // 8.5.9
-    RealZero,          // 8.5.2
-    RealZeroMantissa,  // a REAL in binary form that is 0
-    RealBase,          // base 8 or 16 (8.5.7.2)
-    RealScaled,        // a scaling factor (8.5.7.3)
+    LengthOver4Octets,   // a length in more than four octets beyond its first
+    RealBeyondDouble,    // mantissa or exponent of a REAL are more than a double holds
+    RealDecimal,         // 8.5.8
+    RealNaN,             // and minus zero, which later editions have (8.5.9)
+    RealInfinite,        // 8.5.9
+    RealZero,            // 8.5.2
+    RealZeroMantissa,    // a REAL in binary form that is 0
+    RealBase,            // base 8 or 16 (8.5.7.2)
+    RealScaled,          // a scaling factor (8.5.7.3)
     RealCountedExponent, // the exponent's octets are counted by an octet of their own (8.5.7.4 d)
     RealSubnormal,
     BitsSpare,         // a BIT STRING's unused bits are not all 0 (8.6.2.4)
@@ -50,7 +50,7 @@ enum class Trait {
     NoPieces,          // a string in pieces has none (8.7.3.2)
     NestedPieces,      // a piece of a string is in pieces itself (8.7.3.2, note 1)
     // What the comparison finds out.
-    WrapperLength,     // nothing is wrong but the length of an EXPLICIT tag
+    WrapperLength, // nothing is wrong but the length of an EXPLICIT tag
     Count
 };
 using Traits = std::bitset<static_cast<std::size_t>(Trait::Count)>;
