@@ -86,7 +86,8 @@ bool accepts(const Field& field, AsnTag tag) {
     return (tag & field.mask) == field.tag;
 }
 
-[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
+[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length,
+                                               void* value, AsnLen* count) {
     switch (kind) {
     case Kind::Int: return BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), count, d.env);
     case Kind::Bool: return BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), count, d.env);
@@ -258,7 +259,8 @@ void decodeMessage(Walk& walk, TypeId id, void* value, AsnLen* bytesDecoded, jmp
     const AsnTag tag = BDecTag(d.b, bytesDecoded, env);
     if (type.shape == Shape::Sequence && tag != sequenceTag) {
         raise(env, siteCode(type, Site::OuterTag),
-              id == TypeId::ZynTransReq ? "BDecZynTransReq: ERROR - wrong tag\n" : "BDecZynQueryReq: ERROR - wrong tag\n");
+              id == TypeId::ZynTransReq ? "BDecZynTransReq: ERROR - wrong tag\n"
+                                        : "BDecZynQueryReq: ERROR - wrong tag\n");
     }
     const AsnLen length = BDecLen(d.b, bytesDecoded, env);
     decodeType(d, type, tag, length, value, bytesDecoded);

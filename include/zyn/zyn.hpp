@@ -42,7 +42,9 @@ public:
     const T* operator->() const { return &value(); }
     T& value() { return ok() ? *std::get_if<0>(&either_) : (std::abort(), *std::get_if<0>(&either_)); }
     const T& value() const { return const_cast<Result*>(this)->value(); }
-    const Failure& failure() const { return ok() ? (std::abort(), *std::get_if<1>(&either_)) : *std::get_if<1>(&either_); }
+    const Failure& failure() const {
+        return ok() ? (std::abort(), *std::get_if<1>(&either_)) : *std::get_if<1>(&either_);
+    }
 
 private:
     std::variant<T, Failure> either_;
@@ -204,9 +206,7 @@ private:
 };
 
 // Several functions as one, for visit: visit(overloaded{[](View<ZynReplyOK>) {...}, [](auto) {...}}).
-template <typename... F> struct overloaded : F... {
-    using F::operator()...;
-};
+template <typename... F> struct overloaded : F... { using F::operator()...; };
 template <typename... F> overloaded(F...) -> overloaded<F...>;
 
 } // namespace zyn

@@ -26,7 +26,7 @@ enum class Refuse { Nothing, One, AllLater };
 
 struct Allocator {
     Refuse refuse = Refuse::Nothing;
-    unsigned nth = 0;   // the first call refused, counted from 1
+    unsigned nth = 0; // the first call refused, counted from 1
     unsigned calls = 0;
     bool refused = false;
 
@@ -50,7 +50,9 @@ void* counted(void* memory) {
 
 extern "C" {
 void* __wrap_malloc(size_t size) { return allocator.grants() ? counted(__real_malloc(size)) : nullptr; }
-void* __wrap_calloc(size_t count, size_t size) { return allocator.grants() ? counted(__real_calloc(count, size)) : nullptr; }
+void* __wrap_calloc(size_t count, size_t size) {
+    return allocator.grants() ? counted(__real_calloc(count, size)) : nullptr;
+}
 void* __wrap_realloc(void* memory, size_t size) {
     if (!allocator.grants()) return nullptr;
     void* moved = __real_realloc(memory, size);
@@ -143,7 +145,9 @@ End appendToAnEmptyList() {
     AsnList empty = {nullptr, nullptr, nullptr, 0, sizeof(void*)};
     const AsnList before = empty;
     const End end = endOf(appendElement(&empty));
-    if (end == End::Refused) { EXPECT_EQ(std::memcmp(&before, &empty, sizeof before), 0); }
+    if (end == End::Refused) {
+        EXPECT_EQ(std::memcmp(&before, &empty, sizeof before), 0);
+    }
     return end;
 }
 
@@ -184,7 +188,8 @@ Octets deepString(int depth, const char* outer, int pieces, const char* piece) {
     return hex(text);
 }
 
-template <auto decode, typename Value> End decodeString(const Octets& octets, int32_t length, int32_t (*lengthOf)(const Value&)) {
+template <auto decode, typename Value>
+End decodeString(const Octets& octets, int32_t length, int32_t (*lengthOf)(const Value&)) {
     ResetNibbleMem();
     Value value = {};
     AsnLen count = 0;
@@ -215,7 +220,9 @@ template <auto set> End sendPrice() {
     uint8_t block[256];
     ZynEncodeMemAlloc(0); // so that the Encode has its arena, as far as memory goes
     const uint32_t length = ZynTransRequestEncode("U1          ", &order, 426, block, sizeof block);
-    if (!price.decimals) { EXPECT_EQ(length, 0u); }
+    if (!price.decimals) {
+        EXPECT_EQ(length, 0u);
+    }
     return length > 0 ? End::Good : End::Refused;
 }
 
@@ -253,7 +260,8 @@ template <auto encode> End encodeReply() {
 
 template <auto encode> End encodeRequest() {
     uint8_t block[64];
-    return lengthEnd(encode("U1          ", nullptr, 1000, block, sizeof block), 6); // no such alternative: the sender alone
+    return lengthEnd(encode("U1          ", nullptr, 1000, block, sizeof block),
+                     6); // no such alternative: the sender alone
 }
 
 TEST(Refusal, EveryCall) {
@@ -321,7 +329,9 @@ TEST(Refusal, EveryMessage) {
                 const Octets& sent = octets[form / 2];
                 refuseEach(1, tinyArena, [&] {
                     const End end = endOf(channel.decode(sent.data(), static_cast<uint32_t>(sent.size()), message));
-                    if (end == End::Good) { EXPECT_EQ(difference(channel.choice, choice, choiceIn(channel, message)), ""); }
+                    if (end == End::Good) {
+                        EXPECT_EQ(difference(channel.choice, choice, choiceIn(channel, message)), "");
+                    }
                     return end;
                 });
             }

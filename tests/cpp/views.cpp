@@ -142,8 +142,8 @@ TEST(Inits, BuildWhatIsAskedFor) {
     Builder build;
     auto& value = build.make(Init<AsnFixedReal>{.value = 1204.5});
     auto& rest = build.make(Init<AsnFixedReal>{.value = -0.25, .decimals = 2});
-    const auto list = build.list<ZynIndexValRepSetOfSeq>({{.value = value, .high = rest, .low = value},
-                                                          {.value = rest, .high = rest, .low = rest}});
+    const auto list = build.list<ZynIndexValRepSetOfSeq>(
+        {{.value = value, .high = rest, .low = value}, {.value = rest, .high = rest, .low = rest}});
     build.append(list, Init<ZynIndexValRepSetOfSeq>{.value = value, .high = value, .low = value});
     auto& reply = build.make(Init<ZynIndexValRep>{.valuesList = list});
     uint8_t octets[256];
@@ -169,7 +169,8 @@ TEST(Inits, BuildWhatIsAskedFor) {
 TEST(Inits, ChoicesTextsAndLargeTrees) {
     Builder build;
     for (int i = 0; i < 1000; ++i) {
-        auto& logon = build.make(Init<ZynUserLogon>{.loginPassword = build.copy(std::string(50, 'x')), .reconnectionFlag = i % 2 == 0});
+        auto& logon = build.make(
+            Init<ZynUserLogon>{.loginPassword = build.copy(std::string(50, 'x')), .reconnectionFlag = i % 2 == 0});
         View<ZynUserLogon> view(logon);
         ASSERT_EQ(view.loginPassword(), std::string(50, 'x'));
         ASSERT_EQ(view.reconnectionFlag(), i % 2 == 0);
@@ -187,7 +188,8 @@ TEST(Results, AFailureSaysWhere) {
     EXPECT_EQ(message.failure().offset, 4u);
     Builder build;
     uint8_t small[8];
-    const auto encoded = encode<TransRequest>("A", build.make(Init<ZynUserLogon>{.loginPassword = "open sesame"}), small);
+    const auto encoded =
+        encode<TransRequest>("A", build.make(Init<ZynUserLogon>{.loginPassword = "open sesame"}), small);
     ASSERT_FALSE(encoded);
     EXPECT_EQ(encoded.failure().code, ZYN_E_NO_ROOM);
     EXPECT_DEATH(static_cast<void>(*encoded), "");

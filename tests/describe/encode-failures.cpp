@@ -14,8 +14,7 @@ constexpr const char* user = "TRADER01    ";
 using Break = std::function<void(const std::string& path, const Type& record, const std::string& field, bool sent)>;
 
 // Makes each thing in turn what has no form on the wire, or may have one all the same, calls check, and takes it back.
-template <typename Value>
-void with(void* place, Value other, const std::function<void()>& check) {
+template <typename Value> void with(void* place, Value other, const std::function<void()>& check) {
     Value before;
     std::memcpy(&before, place, sizeof before);
     std::memcpy(place, &other, sizeof other);
@@ -90,11 +89,12 @@ TEST(EncodeFailures, OfEachValueThatCannotBeSent) {
                 EXPECT_STREQ(failure.module, record.module);
                 EXPECT_STREQ(failure.record, record.name);
                 EXPECT_EQ(failure.field, field);
-                EXPECT_EQ(std::string(failure.text).find(path.substr(path.rfind('.') + 1) + " has no form on the wire: "), 0u)
+                EXPECT_EQ(
+                    std::string(failure.text).find(path.substr(path.rfind('.') + 1) + " has no form on the wire: "), 0u)
                     << failure.text;
             };
-            breakInside(typeOf(channel.choice), channel.isRequest() ? typeOf(channel.message).fields[1].name : "", choice,
-                        check);
+            breakInside(typeOf(channel.choice), channel.isRequest() ? typeOf(channel.message).fields[1].name : "",
+                        choice, check);
         }
     }
     EXPECT_GT(refused, 1000u);

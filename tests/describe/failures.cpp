@@ -56,15 +56,15 @@ protected:
         ++tried;
         const bool same = told == 1 && code == expected.code && failure.code == code && failure.path == expected.path &&
                           failure.record == std::string(expected.record->name) && failure.field == expected.field &&
-                          failure.module == std::string(expected.record->module) &&
-                          failure.offset == expected.offset &&
+                          failure.module == std::string(expected.record->module) && failure.offset == expected.offset &&
                           std::string(failure.text).find(expected.text) != std::string::npos;
         if (same || ++problems > 20) return;
         ADD_FAILURE() << message.alternative.name << ", " << what << ": code " << code << ", told " << told << ", "
                       << failure.module << "." << failure.record << "." << failure.field << " at " << failure.offset
                       << ", path " << failure.path << ": " << failure.text << "\ninstead of " << expected.code << ", "
                       << expected.record->name << "." << expected.field << " at " << expected.offset << ", path "
-                      << expected.path << ": " << expected.text << "\n" << toHex(octets);
+                      << expected.path << ": " << expected.text << "\n"
+                      << toHex(octets);
     }
 
     std::size_t tried = 0, problems = 0;
@@ -112,7 +112,8 @@ TEST_F(Failures, OfAWrongTag) {
             } else if (record.shape == Shape::Choice) {
                 // The alternative of a field: the field itself is not there. Otherwise the CHOICE refuses it.
                 const auto field = std::ranges::find_if(message.elements, [&](const Located& other) {
-                    return other.start == e.start && other.kind == Kind::Choice && other.record->shape == Shape::Sequence;
+                    return other.start == e.start && other.kind == Kind::Choice &&
+                           other.record->shape == Shape::Sequence;
                 });
                 if (field != message.elements.end()) continue; // tested as that field
                 expect(message, broken, {siteCode(record, Site::Only), &record, "", above(e), e.start, found}, "tag");
@@ -120,20 +121,23 @@ TEST_F(Failures, OfAWrongTag) {
                 std::size_t next = e.index;
                 while (next < record.fields.size() && record.fields[next].optional) ++next;
                 if (next == record.fields.size()) {
-                    expect(message, broken, {siteCode(record, Site::Stray), &record, "", above(e), e.start, found}, "tag");
+                    expect(message, broken, {siteCode(record, Site::Stray), &record, "", above(e), e.start, found},
+                           "tag");
                 } else {
                     const Field& required = record.fields[next];
                     const std::string path = (above(e).empty() ? "" : above(e) + ".") + required.name;
                     expect(message, broken,
                            {siteCode(record, Site::FieldTag, next), &record, required.name, path, e.start,
-                            "for " + std::string(required.name) + ", " + found}, "tag");
+                            "for " + std::string(required.name) + ", " + found},
+                           "tag");
                 }
                 if (record.fields[e.index].wrapped) {
                     broken = message.octets;
                     broken[e.content] = 0x1E;
                     expect(message, broken,
                            {siteCode(record, Site::InnerTag, e.index), &record, e.name(), e.path, e.content,
-                            "expected INTEGER (02) inside " + e.name() + ", " + found}, "inner tag");
+                            "expected INTEGER (02) inside " + e.name() + ", " + found},
+                           "inner tag");
                 }
             }
         }
@@ -181,7 +185,8 @@ TEST_F(Failures, OfContentInAnEmptyRecord) {
         Octets broken = message.octets;
         broken[last.content - 1] = 1;
         expect(message, broken,
-               {siteCode(*last.type, Site::Only), last.type, "", last.path, last.start, "expected no content in"}, "content");
+               {siteCode(*last.type, Site::Only), last.type, "", last.path, last.start, "expected no content in"},
+               "content");
     }
     EXPECT_GT(tried, 5u);
 }
@@ -219,7 +224,8 @@ TEST_F(Failures, OfValues) {
     for (const Message& message : messages()) {
         for (const Located& e : message.elements) {
             const std::size_t lengthAt = lengthOf(message, e);
-            const auto broken = [&](std::size_t place, uint8_t octet, int32_t code, std::size_t offset, const char* what) {
+            const auto broken = [&](std::size_t place, uint8_t octet, int32_t code, std::size_t offset,
+                                    const char* what) {
                 Octets octets = message.octets;
                 octets[place] = octet;
                 const auto& expected = code == ZYN_E_LENGTH_TOO_LONG ? inHeader : inValue;
@@ -275,7 +281,8 @@ TEST_F(Failures, PlacesOfAllCodes) {
             EXPECT_STREQ(place.type->module, module);
             EXPECT_NE(std::string(text).find(place.type->name), std::string::npos) << text;
             const Type& type = typeOf(static_cast<TypeId>(place.type->number));
-            constexpr Site sites[] = {Site::OuterTag, Site::InnerTag, Site::Length, Site::FieldTag, Site::Stray, Site::Only};
+            constexpr Site sites[] = {Site::OuterTag, Site::InnerTag, Site::Length,
+                                      Site::FieldTag, Site::Stray,    Site::Only};
             const auto field = place.field ? static_cast<std::size_t>(place.field - place.type->fields) : 0;
             EXPECT_EQ(siteCode(type, sites[place.kind], field), code) << module;
             EXPECT_LE(code, place.type->firstCode);

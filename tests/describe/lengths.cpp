@@ -47,7 +47,8 @@ void expectLength(const Octets& octets, const std::string& what) {
 }
 
 TEST(MessageLength, OfEveryMessageInEveryForm) {
-    const Forms all[] = {{}, {.indefinite = 100}, {.indefinite = 50, .longLength = 50, .cutStrings = 50, .looseValues = 50}};
+    const Forms all[] = {
+        {}, {.indefinite = 100}, {.indefinite = 50, .longLength = 50, .cutStrings = 50, .looseValues = 50}};
     for (const Channel& channel : channels) {
         for (const Alternative& row : typeOf(channel.choice).alternatives) {
             for (uint32_t form = 0; form < std::size(all); ++form) {

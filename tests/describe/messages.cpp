@@ -45,7 +45,8 @@ TEST(Messages, UserIdIsTheWholeTextOfItsField) {
         ZynTransReqChoice choice = {};
         choice.choiceId = 0;
         ZynTransReq request = {};
-        request.userId = {static_cast<uint32_t>(user.size()), reinterpret_cast<uint8_t*>(const_cast<char*>(user.data()))};
+        request.userId = {static_cast<uint32_t>(user.size()),
+                          reinterpret_cast<uint8_t*>(const_cast<char*>(user.data()))};
         request.upTransMsg = &choice;
         uint8_t octets[512];
         const uint32_t length = ZynEncode(ZYN_TRANS_REQUEST, &request, octets, sizeof octets);
@@ -75,20 +76,24 @@ TEST(Messages, TellTheirChannel) {
                 Sampler sampler(row.number, {.longestText = 40});
                 const ChoiceRecord* choice = sampler.make(channel.choice, row);
                 const Octets octets = messageOf(channel, "TRADER01    ", choice, Writer(forms, row.number));
-                const int expected = row.number > 0 ? number : channel.isRequest() ? ZYN_TRANS_REQUEST : ZYN_TRANS_REPLY;
+                const int expected = row.number > 0        ? number
+                                     : channel.isRequest() ? ZYN_TRANS_REQUEST
+                                                           : ZYN_TRANS_REPLY;
                 int last = -1;
                 for (std::size_t count = 0; count <= octets.size(); ++count) {
                     const std::unique_ptr<uint8_t[]> copy(new uint8_t[count]);
                     std::copy_n(octets.begin(), count, copy.get());
                     const int told = ZynChannelOf(copy.get(), count);
-                    ASSERT_TRUE(told == expected || (told == -1 && last == -1)) << row.name << ", " << count << " octets";
+                    ASSERT_TRUE(told == expected || (told == -1 && last == -1))
+                        << row.name << ", " << count << " octets";
                     last = told;
                 }
                 EXPECT_EQ(last, expected) << row.name;
             }
         }
     }
-    for (const char* none : {"", "30 05 02 01 00 A0 00", "30 03 04 01 41", "30 04 04 00 BE 00", "BE 00", "31 00", "04 00", "00 00"}) {
+    for (const char* none :
+         {"", "30 05 02 01 00 A0 00", "30 03 04 01 41", "30 04 04 00 BE 00", "BE 00", "31 00", "04 00", "00 00"}) {
         const Octets octets = hex(none);
         EXPECT_EQ(ZynChannelOf(octets.data(), octets.size()), -1) << none;
     }

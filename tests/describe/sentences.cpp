@@ -60,8 +60,10 @@ TEST_F(Sentences, OfDecodes) {
         {request, "30 04 04 02 55 31 A1 00",
          "-111 Main.ZynTransReq.upTransMsg upTransMsg @6: "
          "expected an alternative of ZynTransReqChoice for upTransMsg, found the end of ZynTransReq"},
-        {request, "B2 00", "-108 Main.ZynTransReq.  @0: expected SEQUENCE (30) for ZynTransReq, found [18] (B2) of 0 octets"},
-        {reply, "BF 83 47 00", "-113 Main.ZynTransRep.  @0: expected an alternative of ZynTransRep, found [455] (BF8347) of 0 octets"},
+        {request, "B2 00",
+         "-108 Main.ZynTransReq.  @0: expected SEQUENCE (30) for ZynTransReq, found [18] (B2) of 0 octets"},
+        {reply, "BF 83 47 00",
+         "-113 Main.ZynTransRep.  @0: expected an alternative of ZynTransRep, found [455] (BF8347) of 0 octets"},
         {request, "30 0F 04 02 55 31 BF 83 21 06 BF 21 03 02 01 05",
          "-187 Misc.ZynTransLogStepThrough. upTransMsg.transLogStepThrough @10: "
          "expected an alternative of ZynTransLogStepThrough, found [33] (BF21) of 3 octets"},
@@ -90,18 +92,23 @@ TEST_F(Sentences, OfDecodes) {
          "-14 Main.ZynTransReq.  @0: a length has more than 4 octets beyond the first: "
          "expected SEQUENCE (30) for ZynTransReq, found SEQUENCE (30) with an overlong length"},
         // The end of the data.
-        {request, "", "-26 Main.ZynTransReq.  @0: the data end where a tag is due, or inside it: "
-                      "expected SEQUENCE (30) for ZynTransReq, found the end of the data"},
-        {reply, "BF", "-26 Main.ZynTransRep.  @1: the data end where a tag is due, or inside it: "
-                      "expected an alternative of ZynTransRep, found octets BF, then the end of the data"},
+        {request, "",
+         "-26 Main.ZynTransReq.  @0: the data end where a tag is due, or inside it: "
+         "expected SEQUENCE (30) for ZynTransReq, found the end of the data"},
+        {reply, "BF",
+         "-26 Main.ZynTransRep.  @1: the data end where a tag is due, or inside it: "
+         "expected an alternative of ZynTransRep, found octets BF, then the end of the data"},
         {request, "30 80 04 02 55 31 BF 83 47 80 04 05 61 62",
-         "-20 User.ZynUserLogon.loginPassword upTransMsg.userLogon.loginPassword @14: the data end inside an OCTET STRING: "
+         "-20 User.ZynUserLogon.loginPassword upTransMsg.userLogon.loginPassword @14: the data end inside an OCTET "
+         "STRING: "
          "expected OCTET STRING (04) for loginPassword, found OCTET STRING (04) of 5 octets, then the end of the data"},
         {queryRequest, "30 80 04 02 55 31 BF 82 05 80 30 80",
-         "-26 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @12: the data end where a tag is "
+         "-26 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @12: the data end where a "
+         "tag is "
          "due, or inside it: expected INTEGER (A1) for seqNum or what may follow it, found the end of the data"},
         {queryRequest, "30 80 04 02 55 31 BF 82 05 80 30 80 A1 80",
-         "-26 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @14: the data end where a tag is "
+         "-26 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @14: the data end where a "
+         "tag is "
          "due, or inside it: expected INTEGER (02) for seqNum, found the end of the data"},
         // Ends of indefinite lengths: of a record, of a wrapper, where a record may end.
         {queryRequest, "30 80 04 02 55 31 BF 82 0D 80 02 01 07 05 00",
@@ -111,18 +118,22 @@ TEST_F(Sentences, OfDecodes) {
          "-16 Index.ZynIndexReq. upQueryMsg.indexReq @14: no end-of-contents marker where one is due: "
          "expected an end of contents (00) of ZynIndexReq, found an end of contents (00), then the end of the data"},
         {queryRequest, "30 80 04 02 55 31 BF 82 05 80 30 80 A1 80 02 01 05 01 00",
-         "-16 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @17: no end-of-contents marker "
+         "-16 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @17: no end-of-contents "
+         "marker "
          "where one is due: expected an end of contents (00) of seqNum, found BOOLEAN (01) of 0 octets"},
         {queryRequest, "30 80 04 02 55 31 BF 82 05 80 30 80 00 01",
-         "-28 CommonTypes.AsnSequenceContext. upQueryMsg.boardReq.seqContext @12: the second octet of an end-of-contents "
-         "marker is not 0, or is missing: expected an end of contents (00) of AsnSequenceContext, found an end of contents (00)"},
+         "-28 CommonTypes.AsnSequenceContext. upQueryMsg.boardReq.seqContext @12: the second octet of an "
+         "end-of-contents "
+         "marker is not 0, or is missing: expected an end of contents (00) of AsnSequenceContext, found an end of "
+         "contents (00)"},
         // Values.
         {queryRequest, "30 14 04 02 55 31 BF 82 05 0B 30 09 A1 07 02 05 01 02 03 04 05",
          "-7 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @14: "
          "an INTEGER has more than 4 octets: expected INTEGER (02) for seqNum, found INTEGER (02) of 5 octets"},
         // Constructed strings, whose components are told of one by one.
         {request, "30 80 24 80 04 01 55 00 01",
-         "-28 Main.ZynTransReq.userId userId @7: the second octet of an end-of-contents marker is not 0, or is missing: "
+         "-28 Main.ZynTransReq.userId userId @7: the second octet of an end-of-contents marker is not 0, or is "
+         "missing: "
          "expected an end of contents (00) of userId, found an end of contents (00)"},
         {request, "30 80 24 80 04 01 55 24 05 04 01 31 02 00 00 00",
          "-19 Main.ZynTransReq.userId userId @12: a component of an OCTET STRING is no OCTET STRING: "
@@ -131,10 +142,12 @@ TEST_F(Sentences, OfDecodes) {
          "-18 Main.ZynTransReq.userId userId @7: the data end inside a component of an OCTET STRING: "
          "expected OCTET STRING (04) in userId, found OCTET STRING (04) of 3 octets, then the end of the data"},
         {query, "BF 82 05 80 30 80 00 00 04 00 0A 01 01 23 80 03 02 04 F0 03 02 00 F0 00 00 00 00",
-         "-1 Board.ZynBoardRep.orderMethods boardRep.orderMethods @15: a component of a constructed BIT STRING that is not "
+         "-1 Board.ZynBoardRep.orderMethods boardRep.orderMethods @15: a component of a constructed BIT STRING that is "
+         "not "
          "the last has unused bits: expected BIT STRING (03) in orderMethods, found BIT STRING (03) of 2 octets"},
         {query, "BF 82 05 80 30 80 00 00 04 00 0A 01 01 23 80 03 02 09 F0 00 00 00 00",
-         "-43 Board.ZynBoardRep.orderMethods boardRep.orderMethods @13: a BIT STRING counts more than 7 unused bits, or more "
+         "-43 Board.ZynBoardRep.orderMethods boardRep.orderMethods @13: a BIT STRING counts more than 7 unused bits, "
+         "or more "
          "than it has: expected BIT STRING (03) for orderMethods, found BIT STRING (23) of indefinite length"},
     };
     for (const auto& row : rows) {

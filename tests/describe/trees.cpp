@@ -53,14 +53,14 @@ using Visit = std::function<void(const std::string& what, const Change& change, 
 template <typename Value> void change(const std::string& what, void* place, Value other, const Visit& visit) {
     Value before;
     std::memcpy(&before, place, sizeof before);
-    visit(what, [=] { std::memcpy(place, &other, sizeof other); }, [=] { std::memcpy(place, &before, sizeof before); });
+    visit(
+        what, [=] { std::memcpy(place, &other, sizeof other); }, [=] { std::memcpy(place, &before, sizeof before); });
 }
 
 void eachChange(const ZynType& type, void* value, const Visit& visit) {
     switch (type.kind) {
     case ZYN_KIND_INTEGER:
-    case ZYN_KIND_ENUMERATED:
-        return change<AsnInt>("number", value, *static_cast<AsnInt*>(value) ^ INT32_MIN, visit);
+    case ZYN_KIND_ENUMERATED: return change<AsnInt>("number", value, *static_cast<AsnInt*>(value) ^ INT32_MIN, visit);
     case ZYN_KIND_BOOLEAN: return change<AsnBool>("truth", value, !*static_cast<AsnBool*>(value), visit);
     case ZYN_KIND_REAL: {
         const AsnReal real = *static_cast<AsnReal*>(value);

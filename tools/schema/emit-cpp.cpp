@@ -22,8 +22,7 @@ Value valueOf(const TypeUse& use) {
     case Kind::Integer:
     case Kind::Enumerated:
     case Kind::Real: return {cType(use), cType(use), false};
-    case Kind::SetOf:
-        return {"List<" + use.type->element.name + ">", "ListRef<" + use.type->element.name + ">", true};
+    case Kind::SetOf: return {"List<" + use.type->element.name + ">", "ListRef<" + use.type->element.name + ">", true};
     default: return {"View<" + use.name + ">", "Ref<" + use.name + ">", true};
     }
 }
@@ -87,11 +86,10 @@ void addGetter(Text& text, const Type& type, const Member& field) {
 }
 
 std::string opening(const std::string& name, const Type& type) {
-    return "template <> class View<" + type.name + "> {\npublic:\n" +
-           "    static constexpr const char* name_ = \"" + name + "\";\n" +
-           "    static constexpr auto printer_ = Print" + type.name + ";\n" +
-           "    explicit View(const " + type.name + "& record) : record_(&record) {}\n" +
-           "    const " + type.name + "& get() const { return *record_; }\n\n";
+    return "template <> class View<" + type.name + "> {\npublic:\n" + "    static constexpr const char* name_ = \"" +
+           name + "\";\n" + "    static constexpr auto printer_ = Print" + type.name + ";\n" +
+           "    explicit View(const " + type.name + "& record) : record_(&record) {}\n" + "    const " + type.name +
+           "& get() const { return *record_; }\n\n";
 }
 
 std::string closing(const Type& type) { return "\nprivate:\n    const " + type.name + "* record_;\n};\n\n"; }
@@ -99,8 +97,9 @@ std::string closing(const Type& type) { return "\nprivate:\n    const " + type.n
 void addSequence(Text& text, const Type& type) {
     text.inside += opening(type.name, type);
     for (const Member& field : type.members) addGetter(text, type, field);
-    text.inside += "\n    // Calls f(name, value) for each field.\n    template <typename F> void each(F&& f) const;\n" +
-                   closing(type);
+    text.inside +=
+        "\n    // Calls f(name, value) for each field.\n    template <typename F> void each(F&& f) const;\n" +
+        closing(type);
     text.behind += "template <typename F> void View<" + type.name + ">::each([[maybe_unused]] F&& f) const {\n";
     for (const Member& field : type.members) {
         text.behind += "    f(\"" + field.name + "\", " + field.name + "());\n";
@@ -119,14 +118,14 @@ void addSequence(Text& text, const Type& type) {
                       write(field, "*" + field.name) + ");\n";
         } else if (field.optional) {
             const std::string from = field.name + "->";
-            writes += "    if (" + field.name + ") to." + field.name + " = " +
-                      write(field, "(*" + field.name + ")") + ";\n";
+            writes +=
+                "    if (" + field.name + ") to." + field.name + " = " + write(field, "(*" + field.name + ")") + ";\n";
         } else {
             writes += to + write(field, field.name + ".value()") + ";\n";
         }
     }
-    text.inside += "template <> struct Init<" + type.name + "> {\n" + members +
-                   "\n    void fill(" + type.name + "& to, Builder& in) const;\n};\n\n";
+    text.inside += "template <> struct Init<" + type.name + "> {\n" + members + "\n    void fill(" + type.name +
+                   "& to, Builder& in) const;\n};\n\n";
     text.behind += "inline void Init<" + type.name + ">::fill([[maybe_unused]] " + type.name +
                    "& to, [[maybe_unused]] Builder& in) const {\n" + writes + "}\n";
 }
@@ -152,7 +151,8 @@ void addChoice(Text& text, const Type& type) {
         cases += "    case " + number + ": return detail::visitWith<" + number + ">(std::forward<F>(f), " +
                  alternativeValue(one, "record_->") + ");\n";
         if (value.record && !twice.contains(one.use.name)) {
-            numbers += "    static constexpr uint32_t numberOf(const " + one.use.name + "*) { return " + number + "; }\n";
+            numbers +=
+                "    static constexpr uint32_t numberOf(const " + one.use.name + "*) { return " + number + "; }\n";
         }
         makers += "    static Init " + one.name + "(" + value.given + " value);\n";
         made += "inline Init<" + type.name + "> Init<" + type.name + ">::" + one.name + "(" + value.given +
@@ -162,12 +162,12 @@ void addChoice(Text& text, const Type& type) {
         else made += "    made.choice_." + one.name + " = value.get();\n";
         made += "    return made;\n}\n";
     }
-    text.inside += opening(type.name, type) +
-                   "    uint32_t number() const { return record_->choiceId; }\n\n" +
-                   "    // Calls f with the alternative that is there, and with its Number<n> if f takes that too. f has to take\n"
-                   "    // each of them. A number that is no alternative, which no Decode gives, ends the program.\n" +
-                   "    template <typename F> decltype(auto) visit(F&& f) const;\n\n" +
-                   "    // The number of the alternative of a type, if there is only one.\n" + numbers + closing(type);
+    text.inside +=
+        opening(type.name, type) + "    uint32_t number() const { return record_->choiceId; }\n\n" +
+        "    // Calls f with the alternative that is there, and with its Number<n> if f takes that too. f has to take\n"
+        "    // each of them. A number that is no alternative, which no Decode gives, ends the program.\n" +
+        "    template <typename F> decltype(auto) visit(F&& f) const;\n\n" +
+        "    // The number of the alternative of a type, if there is only one.\n" + numbers + closing(type);
     text.behind += "template <typename F> decltype(auto) View<" + type.name + ">::visit(F&& f) const {\n" +
                    "    switch (record_->choiceId) {\n" + cases + "    }\n    std::abort();\n}\n";
     text.inside += "template <> struct Init<" + type.name + "> {\n" + makers + "\n    void fill(" + type.name +
@@ -190,8 +190,8 @@ std::string emitCpp(const Module& module) {
         if (type.kind == Kind::Sequence) addSequence(text, type);
         if (type.kind == Kind::Choice) addChoice(text, type);
     }
-    return "// " + firstLine(module) + "\n#pragma once\n\n" + includes + "\nnamespace zyn {\n\n" + text.inside + text.behind +
-           "\n} // namespace zyn\n";
+    return "// " + firstLine(module) + "\n#pragma once\n\n" + includes + "\nnamespace zyn {\n\n" + text.inside +
+           text.behind + "\n} // namespace zyn\n";
 }
 
 std::string emitAllCpp(const Schema& schema) {

@@ -54,10 +54,10 @@ bool isModuleName(const std::string& name) {
 Arguments parseArguments(const std::vector<std::string_view>& words) {
     Arguments arguments;
     for (auto word = words.begin(); word != words.end(); ++word) {
-        std::string* value = *word == "--headers" ? &arguments.headers
-                             : *word == "--rows"  ? &arguments.rows
-                             : *word == "--dump"  ? &arguments.dump
-                             : *word == "--flat"  ? &arguments.flat
+        std::string* value = *word == "--headers"   ? &arguments.headers
+                             : *word == "--rows"    ? &arguments.rows
+                             : *word == "--dump"    ? &arguments.dump
+                             : *word == "--flat"    ? &arguments.flat
                              : *word == "--remarks" ? &arguments.remarks
                                                     : nullptr;
         if (!value && word->starts_with('-')) throw WrongUsage("unknown option " + std::string(*word));

@@ -82,7 +82,9 @@ template <uint32_t n> using Number = std::integral_constant<uint32_t, n>;
 
 namespace detail {
 
-template <typename T> std::optional<T> optional(const T* value) { return value ? std::optional<T>(*value) : std::nullopt; }
+template <typename T> std::optional<T> optional(const T* value) {
+    return value ? std::optional<T>(*value) : std::nullopt;
+}
 inline std::optional<bool> optionalBool(const AsnBool* value) {
     return value ? std::optional<bool>(*value != 0) : std::nullopt;
 }
@@ -95,6 +97,11 @@ inline std::optional<Bits> optional(const AsnBits& value) {
 template <typename T> std::optional<View<T>> optionalView(const T* record) {
     return record ? std::optional<View<T>>(View<T>(*record)) : std::nullopt;
 }
+
+template <typename From, typename T>
+concept Gives = std::is_convertible_v<From, T> && !requires {
+    typename std::remove_cvref_t<From>::RequiredMark;
+};
 
 // The slot of a record without fields may be null.
 template <typename T> inline constexpr T empty = {};
@@ -175,9 +182,8 @@ private:
 // A value that has to be given: it has no default.
 template <typename T> class Required {
 public:
-    template <typename From>
-        requires(std::is_convertible_v<From, T> && !std::is_same_v<std::remove_cvref_t<From>, Required>)
-    constexpr Required(From&& from) : value_(std::forward<From>(from)) {}
+    using RequiredMark = void;
+    template <detail::Gives<T> From> constexpr Required(From&& from) : value_(std::forward<From>(from)) {}
     constexpr const T& value() const { return value_; }
 
 private:
