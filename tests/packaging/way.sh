@@ -41,6 +41,7 @@ build_user() {
     loud cmake -S "$here/user" -B "$work/build" -G Ninja "$@"
     loud cmake --build "$work/build" -j 2
     run_in "$work/build"
+    shows "$work/build/values" "$version: 29 octets, a logon"
 }
 
 way_files() {
@@ -53,7 +54,7 @@ way_files() {
     done
     diff -r "$source/include/zyn" "$prefix/include/zyn"
     diff -r "$source/examples" "$prefix/share/doc/zyn/examples"
-    for file in "$source"/records/*.asn1; do cmp "$file" "$prefix/share/zyn/asn1/${file##*/}"; done
+    for file in "$source"/{records,asn1}/*.asn1; do cmp "$file" "$prefix/share/zyn/asn1/${file##*/}"; done
     head -n 1 "$prefix/share/doc/libzyn1/copyright" | cmp - "$source/COPYRIGHT"
     for file in "$prefix"/{bin/zyn,lib/*.so}; do
         [[ $(readelf -SW "$file") != *.debug_info* ]] || fail "not stripped: $file"
