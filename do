@@ -6,12 +6,11 @@ cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 
 build_packages=(g++ cmake ninja-build rapidjson-dev libcli11-dev)
 docs_packages=("${build_packages[@]}" python3 python3-jinja2 python3-markdown python3-pygments)
-test_packages=("${docs_packages[@]}" libgtest-dev pkg-config)
+test_packages=("${docs_packages[@]}" libgtest-dev pkg-config valgrind abigail-tools dpkg-dev file)
 package_packages=("${build_packages[@]}" dpkg-dev file xz-utils)
 fuzz_packages=("${build_packages[@]}" clang-14 libclang-rt-14-dev)
 bench_packages=("${build_packages[@]}" libbenchmark-dev valgrind asn1c protobuf-compiler libprotobuf-dev
     flatbuffers-compiler libflatbuffers-dev)
-
 interop_packages=("${test_packages[@]}" asn1c erlang-asn1)
 
 say() { printf '== %s\n' "$*"; }
@@ -92,7 +91,7 @@ verb_test() {
 library_tests() {
     local part preset=$1
     shift
-    for part in sbuf records api thread; do
+    for part in sbuf records describe api thread; do
         say "$part-tests${1:+, $1}"
         ZYN_FEW_PATTERNS=1 "$@" "build/$preset/bin/$part-tests" --gtest_brief
     done
@@ -175,7 +174,7 @@ verb_lint() {
 }
 
 # The files among those named that people write.
-written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records'; }
+written_code() { git ls-files -- "$@" | grep -v -e '^records/generated/' -e '^include/zyn/records' -e '^include/zyn/cpp/[A-Zr]'; }
 
 ## docs         make the reference and the guide as a site in build/docs, to be read there, and check it
 verb_docs() {
@@ -185,7 +184,7 @@ verb_docs() {
     say "writing build/docs"
     local start=$SECONDS bin=build/release/bin
     /usr/bin/python3 -B tools/docs/make.py --tool $bin/zyn --compiler $bin/zyn-schema --source . --out build/docs
-    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --site build/docs
+    /usr/bin/python3 -B tools/docs/check.py --tool $bin/zyn --source . --site build/docs
     say "open build/docs/index.html; made in $((SECONDS - start)) s"
 }
 
@@ -193,12 +192,13 @@ verb_docs() {
 verb_generate() {
     set_up "${build_packages[@]}"
     build release zyn-schema
-    say "writing include/zyn/records, include/zyn/records.h, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
+    say "writing include/zyn/records, include/zyn/records.h, include/zyn/cpp, records/generated, asn1/Zyn.asn1 and tests/golden/schema.txt"
     build/release/bin/zyn-schema --headers include/zyn/records --rows records/generated \
         --dump tests/golden/schema.txt --flat asn1/Zyn.asn1 records/*.asn1
 }
 
-## package [root]  make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
+## package [root]
+##              make Debian packages and an archive of the source in build/packages; root: try the packages in a clean
 ##              Debian 12
 verb_package() {
     [[ ${1:-root} == root ]] || wrong_use "package takes root or nothing"
@@ -216,6 +216,16 @@ verb_package() {
         ((EUID == 0)) || root=(sudo -n)
         "${root[@]}" bash tests/packaging/root.sh build/packages
     fi
+}
+
+## abi [--store]
+##              compare the libraries' binary interface with the released one; --store: keep it as the released one
+verb_abi() {
+    [[ ${1:---store} == --store ]] || wrong_use "abi takes --store or nothing"
+    set_up "${build_packages[@]}" abigail-tools xz-utils
+    build release
+    say "comparing the binary interface"
+    abi/check build/release "$(build/release/bin/zyn --version | cut -d' ' -f2)" "$@"
 }
 
 ## clean        remove all that was built

@@ -19,19 +19,29 @@ namespace {
 
 SBuf writeBuffer(uint8_t* block, uint32_t size) {
     uint8_t* end = block + size;
-    return {.dataStart = end, .dataEnd = end, .blkStart = block, .blkEnd = end, .readLoc = end,
-            .writeError = 0, .readError = 1};
+    return {.dataStart = end,
+            .dataEnd = end,
+            .blkStart = block,
+            .blkEnd = end,
+            .readLoc = end,
+            .writeError = 0,
+            .readError = 1};
 }
 
 SBuf readBuffer(const uint8_t* message, uint32_t length) {
     auto* start = const_cast<uint8_t*>(message); // never written through: writeError is set
-    return {.dataStart = start, .dataEnd = start + length, .blkStart = start, .blkEnd = start + length,
-            .readLoc = start, .writeError = 1, .readError = 0};
+    return {.dataStart = start,
+            .dataEnd = start + length,
+            .blkStart = start,
+            .blkEnd = start + length,
+            .readLoc = start,
+            .writeError = 1,
+            .readError = 0};
 }
 
 // The finished octets stand at the end of the block; the caller finds them at its start. Short messages are loaded whole
 // before anything is stored, as both places may overlap; that spares them a call.
-uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
+[[gnu::always_inline]] inline uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
     const auto length = static_cast<uint32_t>(end - start);
     struct Half {
         uint64_t words[4];
@@ -52,7 +62,7 @@ void emptyArena(const NibbleMem& arena) {
     if (block->curr != block->start || block != arena.firstNibbleBuf) ResetNibbleMem();
 }
 
-uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
+[[gnu::noinline]] uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
     tellWay(Way::Exact);
     SBuf b = writeBuffer(buffer, bufferLen);
     const uint32_t length = encodeMessage(&b, id, envelope);
@@ -79,7 +89,7 @@ template <TypeId id>
 int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope) {
     tellWay(Way::Exact);
     SBuf b = readBuffer(buffer, length);
-    Walk walk = {&b, nullptr};
+    Walk walk{&b, nullptr};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;
@@ -93,13 +103,15 @@ template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t leng
     const NibbleMem* arena = begin();
     if (!arena) return ZYN_E_NO_MEMORY;
     emptyArena(*arena);
-    const direct::Outcome outcome = mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
+    const direct::Outcome outcome =
+        mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
     if (outcome == direct::Outcome::GaveUp) {
         ResetNibbleMem();
         return decodeExact(id, buffer, length, envelope);
     }
     tellWay(Way::Direct);
-    if (outcome == direct::Outcome::Done) [[likely]] return 0;
+    if (outcome == direct::Outcome::Done) [[likely]]
+        return 0;
     return startFailure(ZYN_E_NO_MEMORY).code;
 }
 
@@ -146,12 +158,14 @@ using zyn::TypeId;
 
 uint32_t ZynTransRequestEncode(const char* userId, void* message, uint32_t choiceId, uint8_t* buffer,
                                uint32_t bufferLen) {
-    return zyn::encodeRequest<TypeId::ZynTransReq>(userId, &ZynTransReq::upTransMsg, message, choiceId, buffer, bufferLen);
+    return zyn::encodeRequest<TypeId::ZynTransReq>(userId, &ZynTransReq::upTransMsg, message, choiceId, buffer,
+                                                   bufferLen);
 }
 
 uint32_t ZynQueryRequestEncode(const char* userId, void* message, uint32_t choiceId, uint8_t* buffer,
                                uint32_t bufferLen) {
-    return zyn::encodeRequest<TypeId::ZynQueryReq>(userId, &ZynQueryReq::upQueryMsg, message, choiceId, buffer, bufferLen);
+    return zyn::encodeRequest<TypeId::ZynQueryReq>(userId, &ZynQueryReq::upQueryMsg, message, choiceId, buffer,
+                                                   bufferLen);
 }
 
 uint32_t ZynTransReplyEncode(void* message, uint32_t choiceId, uint8_t* buffer, uint32_t bufferLen) {
@@ -219,7 +233,7 @@ int32_t ZynTextStrDecode(const uint8_t* buffer, uint32_t length, AsnOcts* text) 
     SBuf b = zyn::readBuffer(buffer, length);
     ResetNibbleMem();
     zyn::Step step = zyn::firstStep(&b, TypeId::AsnOcts);
-    zyn::Walk walk = {&b, &step};
+    zyn::Walk walk{&b, &step};
     AsnLen bytesDecoded = 0;
     jmp_buf env;
     if (const int code = setjmp(env)) return code;

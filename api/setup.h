@@ -13,7 +13,8 @@ NibbleMem* beginSlowly();
 // Returns the arena, which is made if it is not there.
 inline NibbleMem* setUp() {
     NibbleMem* arena = currentArena();
-    if (currentlyReady() && arena) [[likely]] return arena;
+    if (currentlyReady() && arena) [[likely]]
+        return arena;
     return setUpSlowly();
 }
 
@@ -21,7 +22,8 @@ inline NibbleMem* setUp() {
 // success nothing.
 inline NibbleMem* begin() {
     NibbleMem* arena = currentArena();
-    if (currentlyReady() && arena) [[likely]] return arena;
+    if (currentlyReady() && arena) [[likely]]
+        return arena;
     return beginSlowly();
 }
 

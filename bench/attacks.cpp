@@ -23,8 +23,8 @@ Decode decodeOf(Channel channel) {
 }
 
 // front, as often as there is room for the two of them piece and its counterpart from the end, and back.
-Octets filled(std::size_t size, const Octets& front, const Octets& piece, const Octets& middle, const Octets& counterpart,
-              const Octets& back) {
+Octets filled(std::size_t size, const Octets& front, const Octets& piece, const Octets& middle,
+              const Octets& counterpart, const Octets& back) {
     const std::size_t fixed = front.size() + middle.size() + back.size();
     const std::size_t times = size < fixed ? 0 : (size - fixed) / (piece.size() + counterpart.size());
     Octets octets = front;
@@ -37,13 +37,15 @@ Octets filled(std::size_t size, const Octets& front, const Octets& piece, const 
 }
 
 Attack pieces(std::string name, Octets piece, Octets back = {0, 0}) {
-    return {"text, " + name, decodeText,
-            [=](std::size_t size) { return filled(size, {0x24, 0x80}, piece, {}, {}, back); }};
+    return {"text, " + name, decodeText, [=](std::size_t size) {
+                return filled(size, {0x24, 0x80}, piece, {}, {}, back);
+            }};
 }
 
 Attack nested(std::string name, Octets middle, Octets counterpart) {
-    return {"text, " + name, decodeText,
-            [=](std::size_t size) { return filled(size, {}, {0x24, 0x80}, middle, counterpart, {}); }};
+    return {"text, " + name, decodeText, [=](std::size_t size) {
+                return filled(size, {}, {0x24, 0x80}, middle, counterpart, {});
+            }};
 }
 
 // Strings inside each other, with lengths that are right.
@@ -59,9 +61,8 @@ Octets nestedDefinite(std::size_t size) {
 }
 
 void addTexts(std::vector<Attack>& all) {
-    all.push_back({"text, in one piece", decodeText, [](std::size_t size) {
-                       return Writer().element(0x04000000, Octets(size - 6, 'x'));
-                   }});
+    all.push_back({"text, in one piece", decodeText,
+                   [](std::size_t size) { return Writer().element(0x04000000, Octets(size - 6, 'x')); }});
     all.push_back(pieces("empty pieces", {0x04, 0x00}));
     all.push_back(pieces("empty pieces, long lengths", {0x04, 0x84, 0, 0, 0, 0}));
     all.push_back(pieces("empty pieces, refused at the end", {0x04, 0x00}, {0x05, 0x00}));
@@ -74,8 +75,9 @@ void addTexts(std::vector<Attack>& all) {
     all.push_back(nested("nested, never closed", {}, {}));
     all.push_back(nested("nested, each closed behind a piece", {}, {0x04, 0x01, 'x', 0x00, 0x00}));
     all.push_back({"text, nested, definite", decodeText, nestedDefinite});
-    all.push_back({"text, the longest tags", decodeText,
-                   [](std::size_t size) { return filled(size, {0x24, 0x80}, {0x3F, 0xFF, 0x7F, 0x00}, {}, {}, {}); }});
+    all.push_back({"text, the longest tags", decodeText, [](std::size_t size) {
+                       return filled(size, {0x24, 0x80}, {0x3F, 0xFF, 0x7F, 0x00}, {}, {}, {});
+                   }});
 }
 
 Element* find(Elements& elements, uint8_t tag) {
@@ -130,12 +132,13 @@ void addLists(std::vector<Attack>& all, Channel channel, const Alternative& row)
         const char* name;
         Forms forms;
         bool refused;
-    } kinds[] = {{"list", {}, false},
-                 {"list, refused at the end", {}, true},
-                 {"list, indefinite lengths", {.indefinite = 100}, false},
-                 {"list, long lengths", {.longLength = 100}, false},
-                 {"list, strings in pieces", {.cutStrings = 100}, false},
-                 {"list, all of that", {.indefinite = 50, .longLength = 50, .cutStrings = 100, .looseValues = 100}, false}};
+    } kinds[] = {
+        {"list", {}, false},
+        {"list, refused at the end", {}, true},
+        {"list, indefinite lengths", {.indefinite = 100}, false},
+        {"list, long lengths", {.longLength = 100}, false},
+        {"list, strings in pieces", {.cutStrings = 100}, false},
+        {"list, all of that", {.indefinite = 50, .longLength = 50, .cutStrings = 100, .looseValues = 100}, false}};
     for (const auto& kind : kinds) {
         const Octets octets = shortMessage(channel, row, kind.forms);
         Elements message = parse(octets);
@@ -164,9 +167,8 @@ void addBits(std::vector<Attack>& all, Channel channel, const Octets& octets) {
         Elements message = parse(octets);
         find(message, 0x03)->tag[0] = 0x23; // in pieces
         Octets inPieces = written(message);
-        all.push_back(grown(std::string("bits, ") + name, channel, inPieces, 0x23, [=](const Element&, std::size_t size) {
-            return filled(size, {}, piece, {}, {}, {});
-        }));
+        all.push_back(grown(std::string("bits, ") + name, channel, inPieces, 0x23,
+                            [=](const Element&, std::size_t size) { return filled(size, {}, piece, {}, {}, {}); }));
     };
     bits("pieces without even a count", {0x03, 0x00});
     bits("empty pieces", {0x03, 0x01, 0x00});
@@ -205,7 +207,8 @@ std::vector<Attack> attacks() {
 
 std::vector<Claim> claims() {
     std::vector<Claim> all;
-    constexpr std::size_t longest = 256; // octets; what is longer takes its time for what it has, not for what it claims
+    constexpr std::size_t longest =
+        256; // octets; what is longer takes its time for what it has, not for what it claims
     const auto add = [&](const std::string& name, Decode decode, const Octets& octets) {
         if (octets.size() > longest) return;
         Elements message = parse(octets);

@@ -110,7 +110,8 @@ Order oneByOne(std::size_t count) {
 void decodeMixed(benchmark::State& state, const std::vector<Step>& steps, const Order& order) {
     AnyEnvelope envelope;
     while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(order.size()))) {
-        for (const uint16_t i : order) benchmark::DoNotOptimize(steps[i].decode(steps[i].octets, steps[i].size, &envelope));
+        for (const uint16_t i : order)
+            benchmark::DoNotOptimize(steps[i].decode(steps[i].octets, steps[i].size, &envelope));
     }
 }
 

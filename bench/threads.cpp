@@ -44,8 +44,8 @@ void mixedLoop(benchmark::State& state, const std::vector<Message>& messages) {
             onChannel(message.channel, [&]<typename Points>(Points) {
                 typename Points::Envelope envelope;
                 Points::decode(message.octets.data(), static_cast<uint32_t>(message.octets.size()), &envelope);
-                benchmark::DoNotOptimize(Points::encode(Points::record(envelope), Points::choiceId(envelope),
-                                                        buffer.data(), bufferSize));
+                benchmark::DoNotOptimize(
+                    Points::encode(Points::record(envelope), Points::choiceId(envelope), buffer.data(), bufferSize));
             });
         }
     }
@@ -106,14 +106,17 @@ int measure(std::vector<char*> arguments) {
     const auto reply = std::find_if(seven.begin(), seven.end(), [](const Message& m) { return m.name == "reply"; });
     if (reply == seven.end()) stop("no reply among the seven");
     benchmark::RegisterBenchmark("mixed", [&](benchmark::State& state) { mixedLoop(state, mixed); })
-        ->Threads(1)->Threads(2)->UseRealTime();
+        ->Threads(1)
+        ->Threads(2)
+        ->UseRealTime();
     benchmark::RegisterBenchmark("bind", bindLoop);
     benchmark::RegisterBenchmark("decode", [&](benchmark::State& state) { decodeLoop(state, *reply); });
     Best best;
     benchmark::RunSpecifiedBenchmarks(&best);
     const double one = best.ns("mixed/real_time/threads:1"), two = best.ns("mixed/real_time/threads:2");
     std::printf("Threads with contexts of their own, on %u processors\n", std::thread::hardware_concurrency());
-    std::printf("  %-52s %8.1f\n", "decode and encode in mixed traffic, one thread, ns", one / static_cast<double>(mixed.size()));
+    std::printf("  %-52s %8.1f\n", "decode and encode in mixed traffic, one thread, ns",
+                one / static_cast<double>(mixed.size()));
     bool good = tell("two threads: times the messages of one", one / two, one / two >= 1.8, "at least 1.8");
     const double bind = best.ns("bind"), decode = best.ns("decode");
     std::printf("  %-52s %8.2f\n", "decode of a reply, ns", decode);

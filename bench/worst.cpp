@@ -79,8 +79,8 @@ bool printAttacks(const std::vector<Attack>& all, const Figures& figures) {
         worstNet = std::max(worstNet, net);
         slowest = std::max({slowest, few, many});
     }
-    std::printf("\nworst ratio %.2f; net %.2f, at most %.0f: %s; slowest %.1f ns an octet\n", worst, worstNet, mostGrowth,
-                worstNet <= mostGrowth ? "yes" : "NO", slowest);
+    std::printf("\nworst ratio %.2f; net %.2f, at most %.0f: %s; slowest %.1f ns an octet\n", worst, worstNet,
+                mostGrowth, worstNet <= mostGrowth ? "yes" : "NO", slowest);
     return worstNet <= mostGrowth;
 }
 
@@ -111,8 +111,8 @@ bool printClaims() {
         longest = time;
         which = &claim;
     }
-    std::printf("%zu messages of up to %zu octets that claim gigabytes: slowest %.0f ns, at most %.0f: %s\n", all.size(), octets,
-                longest, mostForClaim, longest <= mostForClaim ? "yes" : "NO");
+    std::printf("%zu messages of up to %zu octets that claim gigabytes: slowest %.0f ns, at most %.0f: %s\n",
+                all.size(), octets, longest, mostForClaim, longest <= mostForClaim ? "yes" : "NO");
     std::printf("  %s: %s\n", which->name.c_str(), toHex(which->octets).c_str());
     return longest <= mostForClaim;
 }

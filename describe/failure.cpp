@@ -92,11 +92,12 @@ void putFound(Words& words, const Failure& failure) {
     if (failure.atEnd) words << ", then the end of the data";
 }
 
-void putExpectedFor(Words& words, const Failure& failure, const ZynType& type, AsnTag tag, const char* preposition = "for") {
-    words << "expected ";
-    putExpected(words, type, tag);
+void putExpectedFor(Words& words, const Failure& failure, const ZynType& type, AsnTag tag,
+                    const char* preposition = "for") {
+    putExpected(words << "expected ", type, tag);
     const std::string_view label = labelOf(failure);
-    if (!label.empty()) words << " " << preposition << " " << label;
+    if (label.empty() || (type.kind == ZYN_KIND_CHOICE && label == type.name)) return;
+    words << " " << preposition << " " << label;
 }
 
 bool endsWhereFound(const Failure& failure) {
@@ -147,7 +148,8 @@ void putExpectation(Words& words, const Failure& failure) {
         if (step.index == noIndex && !failure.inComponent) words << type.name;
         else words << labelOf(failure);
     } else if (failure.inComponent) {
-        putExpectedFor(words, failure, *value, value->kind == ZYN_KIND_BIT_STRING ? bitStringTag : octetStringTag, "in");
+        putExpectedFor(words, failure, *value, value->kind == ZYN_KIND_BIT_STRING ? bitStringTag : octetStringTag,
+                       "in");
     } else if (atStart) {
         putExpectedFor(words, failure, type, type.kind == ZYN_KIND_OCTET_STRING ? octetStringTag : sequenceTag);
     } else if (type.kind == ZYN_KIND_SET_OF) {
@@ -156,10 +158,9 @@ void putExpectation(Words& words, const Failure& failure) {
         putExpectedFor(words, failure, *value, type.alternatives[step.index].tag);
     } else {
         const ZynField& field = type.fields[step.index];
-        const bool insideWrapper = field.explicitTag && (failure.headOctets == 0 || failure.head[0] != field.tag >> 24);
-        putExpectedFor(words, failure, *value, insideWrapper ? integerTag : field.tag);
+        putExpectedFor(words, failure, *value, failure.inWrapper ? integerTag : field.tag);
         const bool atTag = failure.code == ZYN_E_TAG_MISSING || failure.code == ZYN_E_TAG_TOO_LONG;
-        if (atTag && field.optional) words << " or what may follow it";
+        if (atTag && field.optional && !failure.inWrapper) words << " or what may follow it";
     }
 }
 
@@ -182,7 +183,9 @@ void putSentence(Words& words, const Failure& failure) {
         return;
     }
     switch (failure.code) {
-    case ZYN_E_NO_ROOM: words << "the message needs " << failure.needed << " octets, but the block has " << failure.room; return;
+    case ZYN_E_NO_ROOM:
+        words << "the message needs " << failure.needed << " octets, but the block has " << failure.room;
+        return;
     case ZYN_E_NO_ALTERNATIVE:
         if (failure.pathLength == 0) words << "there is no such channel";
         else words << typeAt(failure.path[0]).name << " has no alternative " << failure.choiceId;

@@ -69,7 +69,7 @@ int ZynFailurePlace(const char* module, int32_t code, ZynPlace* out) {
 
 const char* ZynFailureText(const char* module, int32_t code) {
     switch (code) {
-#define ZYN_CODE_MEANING(name, number, meaning) \
+#define ZYN_CODE_MEANING(name, number, meaning)                                                                        \
     case name: return meaning;
         ZYN_CODES(ZYN_CODE_MEANING)
 #undef ZYN_CODE_MEANING

@@ -28,7 +28,9 @@ const ZynAlternative* alternativeOf(const ZynType& choice, const void* record) {
 // What a null list and one without elements have in common: no first node.
 const AsnListNode* firstOf(const AsnList* list) { return list && list->count != 0 ? list->first : nullptr; }
 
-std::size_t octetsOf(const AsnBits& bits) { return bits.bitLen > 0 ? (static_cast<std::size_t>(bits.bitLen) + 7) / 8 : 0; }
+std::size_t octetsOf(const AsnBits& bits) {
+    return bits.bitLen > 0 ? (static_cast<std::size_t>(bits.bitLen) + 7) / 8 : 0;
+}
 
 // The block that a copy is put into, a piece behind the other. Without memory, or when that is used up, it goes on counting
 // and gives null; whoever copies then writes nothing and goes on, so that the same walk tells the size.
@@ -82,7 +84,8 @@ void copyList(Block& block, const ZynType& element, const AsnList& from, AsnList
 void copyChoice(Block& block, const ZynType& type, const void* from, void* to) {
     const ZynAlternative* alternative = alternativeOf(type, from);
     const void* slot = at(from, type.slotOffset);
-    if (alternative && !alternative->pointer) return copyBelow(block, *alternative->type, slot, at(to, type.slotOffset));
+    if (alternative && !alternative->pointer)
+        return copyBelow(block, *alternative->type, slot, at(to, type.slotOffset));
     // What a number that is no alternative stands for cannot be told, and so not be copied.
     const void* copy = alternative ? copyOf(block, *alternative->type, read<const void*>(slot)) : nullptr;
     if (to) write(at(to, type.slotOffset), copy);
@@ -135,7 +138,8 @@ bool equalReals(AsnReal one, AsnReal other) {
 
 bool equalTexts(const AsnOcts& one, const AsnOcts& other) {
     if (!one.octs || !other.octs) return one.octs == other.octs;
-    return one.octetLen == other.octetLen && (one.octetLen == 0 || std::memcmp(one.octs, other.octs, one.octetLen) == 0);
+    return one.octetLen == other.octetLen &&
+           (one.octetLen == 0 || std::memcmp(one.octs, other.octs, one.octetLen) == 0);
 }
 
 bool equalBits(AsnBits one, AsnBits other) {
@@ -156,8 +160,8 @@ bool equalSequences(const ZynType& type, const void* one, const void* other) {
         const void *a = at(one, field->offset), *b = at(other, field->offset);
         if (field->pointer) a = read<const void*>(a), b = read<const void*>(b);
         // A null list is an empty one.
-        const bool same = field->type->kind == ZYN_KIND_SET_OF ? equal(*field->type, a, b)
-                                                               : equalWhereThere(*field->type, a, b);
+        const bool same =
+            field->type->kind == ZYN_KIND_SET_OF ? equal(*field->type, a, b) : equalWhereThere(*field->type, a, b);
         if (!same) return false;
     }
     return true;

@@ -53,8 +53,13 @@ constexpr auto fields = [] {
     auto next = all.begin();
     for (const Type& type : types) {
         for (const Field& row : type.fields) {
-            *next++ = {.name = row.name, .type = descriptionOf(row.type), .tag = row.tag, .offset = row.offset,
-                       .tagOctets = octetsOf(row.tag), .optional = row.optional, .explicitTag = row.wrapped,
+            *next++ = {.name = row.name,
+                       .type = descriptionOf(row.type),
+                       .tag = row.tag,
+                       .offset = row.offset,
+                       .tagOctets = octetsOf(row.tag),
+                       .optional = row.optional,
+                       .explicitTag = row.wrapped,
                        .pointer = row.pointer};
         }
     }
@@ -66,8 +71,12 @@ constexpr auto alternatives = [] {
     auto next = all.begin();
     for (const Type& type : types) {
         for (const Alternative& row : type.alternatives) {
-            *next++ = {.name = row.name, .type = descriptionOf(row.type), .number = row.number, .tag = row.tag,
-                       .tagOctets = octetsOf(row.tag), .explicitTag = row.kind == Kind::Choice,
+            *next++ = {.name = row.name,
+                       .type = descriptionOf(row.type),
+                       .number = row.number,
+                       .tag = row.tag,
+                       .tagOctets = octetsOf(row.tag),
+                       .explicitTag = row.kind == Kind::Choice,
                        .pointer = row.kind != Kind::Int};
         }
     }
@@ -76,8 +85,7 @@ constexpr auto alternatives = [] {
 
 template <TypeId id> AsnLen encodeAny(SBuf* b, void* v) { return encodeContent(b, id, v); }
 
-template <TypeId id>
-void decodeAny(SBuf* b, AsnTag tagId, AsnLen elmtLen, void* v, AsnLen* bytesDecoded, jmp_buf env) {
+template <TypeId id> void decodeAny(SBuf* b, AsnTag tagId, AsnLen elmtLen, void* v, AsnLen* bytesDecoded, jmp_buf env) {
     decodeContent(b, id, tagId, elmtLen, v, bytesDecoded, env);
 }
 
@@ -92,7 +100,8 @@ template <TypeId id> consteval ZynOperations operationsOf() {
 
 constexpr auto operations = []<std::size_t... i>(std::index_sequence<i...>) {
     return std::array<ZynOperations, typeCount>{operationsOf<static_cast<TypeId>(i)>()...};
-}(std::make_index_sequence<typeCount>());
+}
+(std::make_index_sequence<typeCount>());
 
 constexpr Descriptions described = [] {
     Descriptions all{};
@@ -101,12 +110,22 @@ constexpr Descriptions described = [] {
     for (const Type& type : types) {
         const auto number = static_cast<std::size_t>(type.id);
         ZynType& to = all.of[number];
-        to = {.name = type.name, .module = type.module, .fields = nullptr, .alternatives = nullptr, .element = nullptr,
-              .operations = operations[number], .number = static_cast<uint32_t>(number), .kind = kindOf(type),
-              .size = type.size, .alignment = type.alignment,
+        to = {.name = type.name,
+              .module = type.module,
+              .fields = nullptr,
+              .alternatives = nullptr,
+              .element = nullptr,
+              .operations = operations[number],
+              .number = static_cast<uint32_t>(number),
+              .kind = kindOf(type),
+              .size = type.size,
+              .alignment = type.alignment,
               .fieldCount = static_cast<uint16_t>(type.fields.size()),
-              .alternativeCount = static_cast<uint16_t>(type.alternatives.size()), .slotOffset = 0,
-              .firstCode = type.firstCode, .codes = 0, .message = type.message};
+              .alternativeCount = static_cast<uint16_t>(type.alternatives.size()),
+              .slotOffset = 0,
+              .firstCode = type.firstCode,
+              .codes = 0,
+              .message = type.message};
         if (!type.fields.empty()) to.fields = nextField;
         nextField += type.fields.size();
         if (!type.alternatives.empty()) {
@@ -115,7 +134,8 @@ constexpr Descriptions described = [] {
         }
         nextAlternative += type.alternatives.size();
         if (type.shape == Shape::SetOf) to.element = descriptionOf(type.element);
-        if (type.shape != Shape::Primitive) to.codes = static_cast<uint16_t>(type.firstCode - siteCode(type, Site::End));
+        if (type.shape != Shape::Primitive)
+            to.codes = static_cast<uint16_t>(type.firstCode - siteCode(type, Site::End));
     }
     return all;
 }();
@@ -141,7 +161,9 @@ template <typename Row> const Row* named(const Row* rows, std::size_t count, std
 
 uint32_t ZynTypeCount(void) { return zyn::typeCount; }
 
-const ZynType* ZynTypeByNumber(uint32_t number) { return number < zyn::typeCount ? &zyn::described.of[number] : nullptr; }
+const ZynType* ZynTypeByNumber(uint32_t number) {
+    return number < zyn::typeCount ? &zyn::described.of[number] : nullptr;
+}
 
 const ZynType* ZynTypeByName(const char* name) {
     const std::string_view wanted = name;
@@ -152,7 +174,9 @@ const ZynType* ZynTypeByName(const char* name) {
 
 uint32_t ZynModuleCount(void) { return std::size(zyn::modules); }
 
-const char* ZynModuleName(uint32_t number) { return number < std::size(zyn::modules) ? zyn::modules[number].name : nullptr; }
+const char* ZynModuleName(uint32_t number) {
+    return number < std::size(zyn::modules) ? zyn::modules[number].name : nullptr;
+}
 
 const ZynType* ZynEnvelopeType(ZynChannel channel) {
     const auto number = static_cast<unsigned>(channel);

@@ -14,8 +14,8 @@ constexpr const char* kindNames[] = {"INTEGER",    "ENUMERATED", "BOOLEAN", "REA
 constexpr struct {
     uint8_t number;
     const char* name;
-} universalNames[] = {{1, "BOOLEAN"}, {2, "INTEGER"}, {3, "BIT STRING"},  {4, "OCTET STRING"}, {5, "NULL"},
-                      {9, "REAL"},    {10, "ENUMERATED"}, {12, "UTF8String"}, {16, "SEQUENCE"}, {17, "SET"}};
+} universalNames[] = {{1, "BOOLEAN"}, {2, "INTEGER"},     {3, "BIT STRING"},  {4, "OCTET STRING"}, {5, "NULL"},
+                      {9, "REAL"},    {10, "ENUMERATED"}, {12, "UTF8String"}, {16, "SEQUENCE"},    {17, "SET"}};
 
 constexpr char digits[] = "0123456789ABCDEF";
 

@@ -18,6 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static zyn::test::TwoWays ways;
     ways.decode(channel, Octets(data, data + size));
     expect(ways.problem.empty(), ways.problem);
-    expect(static_cast<double>(ways.held()) <= zyn::test::arenaBound().over(size), "more memory than the octets justify");
+    expect(static_cast<double>(ways.held()) <= zyn::test::arenaBound().over(size),
+           "more memory than the octets justify");
     return 0;
 }

@@ -26,7 +26,8 @@ void encodeAndDecode(TwoWays& ways, const Channel& channel, const Octets& octets
     const Octets returning = ways.encode(channel, user, choice, ample);
     const auto room = std::max<int64_t>(0, static_cast<int64_t>(returning.size()) + spare);
     const Octets fitted = ways.encode(channel, user, choice, static_cast<uint32_t>(room));
-    expect(fitted == (spare < 0 ? Octets{} : returning), "encoded into less room than the message takes, or not into all");
+    expect(fitted == (spare < 0 ? Octets{} : returning),
+           "encoded into less room than the message takes, or not into all");
 
     // The tree that was decoded first stays: the second one goes into another arena.
     alignas(8) uint8_t again[64] = {};

@@ -89,7 +89,9 @@ void remove(Place at, Elements&, Random&) {
     at.among->erase(at.among->begin() + static_cast<std::ptrdiff_t>(at.index));
 }
 
-void swapWithNeighbour(Place at, Elements&, Random& random) { std::swap(*at, (*at.among)[below(random, at.among->size())]); }
+void swapWithNeighbour(Place at, Elements&, Random& random) {
+    std::swap(*at, (*at.among)[below(random, at.among->size())]);
+}
 
 void replaceByAnother(Place at, Elements& all, Random& random) {
     const Element other = *anyPlace(all, random);
@@ -123,8 +125,8 @@ void changeContent(Place at, Elements&, Random&) {
 }
 
 void claimOtherLength(Place at, Elements&, Random& random) {
-    constexpr uint32_t lengths[] = {0, 1, 2, 3, 4, 5, 0x7F, 0x80, 0xFF, 0x100, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000,
-                                    0xFFFFFFFE, 0xFFFFFFFF};
+    constexpr uint32_t lengths[] = {0,    1,     2,      3,       4,          5,          0x7F,       0x80,
+                                    0xFF, 0x100, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
     const auto size = static_cast<uint32_t>(at->constructed ? written(at->parts).size() : at->content.size());
     at->indefinite = false;
     at->claimed = chance(random, 50) ? lengths[below(random, std::size(lengths))] : size + below(random, 9) - 4;
@@ -197,9 +199,9 @@ void truncate(Place at, Elements&, Random& random) {
 }
 
 constexpr void (*mutations[])(Place, Elements&, Random&) = {
-    duplicate,     remove,           swapWithNeighbour, replaceByAnother, insertAnother,  changeTag,
-    takeTagOfAnother, changeContent, changeContent,     claimOtherLength, repairLength,   lengthenLength,
-    turnIndefinite, cutString,       nest,              unwrap,           truncate,
+    duplicate,     remove,        swapWithNeighbour, replaceByAnother, insertAnother,  changeTag,      takeTagOfAnother,
+    changeContent, changeContent, claimOtherLength,  repairLength,     lengthenLength, turnIndefinite, cutString,
+    nest,          unwrap,        truncate,
 };
 
 // The octets behind the selector, as elements that were changed; the selector now and then as well.
@@ -233,8 +235,8 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max
 }
 
 // One element of the first input becomes one of the second, or has one put in front of it.
-extern "C" size_t LLVMFuzzerCustomCrossOver(const uint8_t* first, size_t firstSize, const uint8_t* second, size_t secondSize,
-                                            uint8_t* out, size_t maxOutSize, unsigned int seed) {
+extern "C" size_t LLVMFuzzerCustomCrossOver(const uint8_t* first, size_t firstSize, const uint8_t* second,
+                                            size_t secondSize, uint8_t* out, size_t maxOutSize, unsigned int seed) {
     using namespace zyn::fuzz;
     static Random random(seed);
     const std::size_t selected = std::min(firstSize, target.selectorOctets);

@@ -21,7 +21,8 @@ void decodePrintEncode(TypeId id, Octets octets, NibbleMem* second) {
     printed(id, first.value);
     const bool sendable = makeReturning(id, first.value);
     const Octets sent = encodedContent(id, first.value, 4 * octets.size() + 1024);
-    expect(sendable == (sent != notEncoded), sendable ? "not encoded" : "encoded, with a REAL that has no form on the wire");
+    expect(sendable == (sent != notEncoded),
+           sendable ? "not encoded" : "encoded, with a REAL that has no form on the wire");
     if (!sendable) return;
 
     NibbleMem* const arena = std::exchange(nmG, second);

@@ -14,7 +14,10 @@ constexpr auto firstRecord = static_cast<std::size_t>(TypeId::AsnBits) + 1; // b
 Forms anyForms(Random& random) {
     const uint32_t often = below(random, 3) == 0 ? 60 : 8;
     const auto chance = [&] { return below(random, 2) == 0 ? 0 : often; };
-    return {.indefinite = chance(), .longLength = chance(), .cutStrings = chance(), .looseValues = chance(),
+    return {.indefinite = chance(),
+            .longLength = chance(),
+            .cutStrings = chance(),
+            .looseValues = chance(),
             .damage = below(random, 8) == 0 ? 10u : 0u};
 }
 

@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int32_t code = ZynTextStrDecode(data, static_cast<uint32_t>(size), &text);
     expect(code <= 0, "a code above 0");
     if (code != 0) return 0;
-    expect(text.octetLen <= size && text.octs[text.octetLen] == 0, "a text longer than its message, or not closed by a 0");
+    expect(text.octetLen <= size && text.octs[text.octetLen] == 0,
+           "a text longer than its message, or not closed by a 0");
     Octets octets(text.octetLen + 8);
     const uint32_t length = ZynTextStrEncode(&text, octets.data(), static_cast<uint32_t>(octets.size()));
     expect(length > text.octetLen, "not encoded");

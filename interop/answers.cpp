@@ -16,7 +16,10 @@ Answers readAnswers(std::istream& from) {
             const bool refused = verdict.starts_with("refused ");
             if (!refused && verdict != "taken") throw std::runtime_error("no verdict: " + line);
             answer = &answers[line.substr(2, end - 2)];
-            *answer = {.taken = !refused, .refusal = refused ? verdict.substr(8) : "", .lines = {}, .octets = {},
+            *answer = {.taken = !refused,
+                       .refusal = refused ? verdict.substr(8) : "",
+                       .lines = {},
+                       .octets = {},
                        .failure = {}};
         } else if (!answer) {
             throw std::runtime_error("an answer to no message: " + line);

@@ -22,13 +22,19 @@ struct Kind {
 };
 
 struct Findings {
-    std::map<std::string, Counts> of[3];   // by side; under "sound" and each form of the messages
-    std::map<Kind, std::size_t> damaged;   // messages
+    std::map<std::string, Counts> of[3];                         // by side; under "sound" and each form of the messages
+    std::map<Kind, std::size_t> damaged;                         // messages
     std::map<std::string, std::vector<std::string>> unexplained; // messages by what is not explained
-    std::size_t messages[3] = {};          // by origin
+    std::size_t messages[3] = {};                                // by origin
+    std::vector<Message> proofs;                                 // see proof.h
 };
 
-// compare takes the answers of asn1c and of Erlang.
-Findings compare(const std::vector<Message>& corpus, const Answers& asn1c, const Answers& erlang);
+// The answers of the peers to the messages, and to their proofs, if there are any yet.
+struct Sources {
+    const Answers *asn1c, *erlang;
+    const Answers *asn1cProofs = nullptr, *erlangProofs = nullptr;
+};
+
+Findings compare(const std::vector<Message>& corpus, const Sources& sources);
 
 } // namespace zyn::interop

@@ -29,7 +29,8 @@ constexpr Form forms[] = {
 // A REAL that is 0 is no value to one of the sides, so most messages have none.
 Taste tasteOf(uint32_t number) {
     constexpr uint32_t presence[] = {50, 100, 0};
-    return {.presentPercent = presence[number % 3], .longestText = number % 2 ? 300u : 20u, .zeroReals = number % 8 == 7};
+    return {
+        .presentPercent = presence[number % 3], .longestText = number % 2 ? 300u : 20u, .zeroReals = number % 8 == 7};
 }
 
 class Maker {
@@ -106,8 +107,8 @@ private:
 
         // A message's damage does not depend on how many others there are.
         test::Random random(static_cast<uint32_t>(std::hash<std::string>()(place)));
-        Octets damaged = number % 4 == 3 ? test::Writer({.indefinite = 50}, number).message(type, small)
-                                         : encoded(type, small);
+        Octets damaged =
+            number % 4 == 3 ? test::Writer({.indefinite = 50}, number).message(type, small) : encoded(type, small);
         const char* change = damage(damaged, random);
         corpus.push_back({change + place, Origin::Damaged, type, damaged, {}, {}});
     }

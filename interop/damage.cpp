@@ -11,39 +11,9 @@ using test::below;
 using test::Octets;
 using test::Random;
 
-using Path = std::vector<const Element*>; // from the whole message down to an element
-
-void collectPaths(const Element& element, Path& path, std::vector<Path>& paths) {
-    path.push_back(&element);
-    paths.push_back(path);
-    for (const Element& part : element.parts) collectPaths(part, path, paths);
-    path.pop_back();
-}
-
-Octets elementOf(Octets head, const Octets& content) {
-    if (content.size() < 0x80) {
-        head.push_back(static_cast<uint8_t>(content.size()));
-    } else {
-        head.push_back(0x82);
-        head.push_back(static_cast<uint8_t>(content.size() >> 8));
-        head.push_back(static_cast<uint8_t>(content.size()));
-    }
-    test::append(head, content);
-    return head;
-}
-
-// The message with other octets in the place of the element at the path's end, and the lengths around it as they
-// then have to be.
-Octets replaced(const Octets& message, const Path& path, Octets octets) {
-    for (std::size_t depth = path.size() - 1; depth-- > 0;) {
-        const Element &whole = *path[depth], &part = *path[depth + 1];
-        const auto at = [&](std::size_t offset) { return message.begin() + static_cast<std::ptrdiff_t>(offset); };
-        Octets content(at(whole.content), at(part.begin));
-        test::append(content, octets);
-        content.insert(content.end(), at(part.end), at(whole.end));
-        octets = elementOf(Octets(at(whole.begin), at(whole.begin + whole.tagSize)), content);
-    }
-    return octets;
+void collect(const Element& element, std::vector<const Element*>& all) {
+    all.push_back(&element);
+    for (const Element& part : element.parts) collect(part, all);
 }
 
 const Octets strays[] = {{0x05, 0x00},       {0x30, 0x00},       {0x00, 0x00}, {0xBF, 0x7F, 0x00},
@@ -54,18 +24,18 @@ const Octets contents[] = {
     {},
     {0x00},
     {0xFF},
-    {0x00, 0x05},                                                       // an INTEGER that could be shorter
+    {0x00, 0x05}, // an INTEGER that could be shorter
     {0xFF, 0x80},
     {0x00, 0x00, 0x00, 0x00, 0x05},
-    {0x00, 0x80, 0x00, 0x00, 0x00},                                     // an INTEGER of 33 bits
-    {0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},                   // of 64
-    {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00},             // of 65
-    {0x40},                                                             // REAL: infinity
+    {0x00, 0x80, 0x00, 0x00, 0x00},                         // an INTEGER of 33 bits
+    {0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},       // of 64
+    {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, // of 65
+    {0x40},                                                 // REAL: infinity
     {0x41},
-    {0x42},                                                             // NaN
-    {0x43},                                                             // minus zero
+    {0x42}, // NaN
+    {0x43}, // minus zero
     {0x44},
-    {0x03, '1', '5', '.', 'E', '-', '1'},                               // decimal
+    {0x03, '1', '5', '.', 'E', '-', '1'}, // decimal
     {0x01, ' ', '1', '2'},
     {0x80},
     {0x80, 0x01},                                                       // no mantissa
@@ -79,11 +49,11 @@ const Octets contents[] = {
     {0x09, 0xA0},
 };
 
-const char* changeOctets(Octets& message, Random& random, const std::vector<Path>& paths) {
+const char* changeOctets(Octets& message, Random& random, const std::vector<const Element*>& all) {
     // Half of the places are heads of elements, which matter more than contents.
     std::size_t at = below(random, message.size());
     if (below(random, 2) == 0) {
-        const Element& element = *paths[below(random, paths.size())].back();
+        const Element& element = *all[below(random, all.size())];
         at = element.begin + below(random, element.content - element.begin);
     }
     const auto place = message.begin() + static_cast<std::ptrdiff_t>(at);
@@ -93,7 +63,9 @@ const char* changeOctets(Octets& message, Random& random, const std::vector<Path
     case 2: message.erase(place); return "octet-lost";
     case 3: message.insert(place, static_cast<uint8_t>(random())); return "octet-inserted";
     case 4: message.erase(place, message.end()); return "cut-off";
-    default: message.insert(message.end(), 1 + below(random, 3), static_cast<uint8_t>(random())); return "octets-behind";
+    default:
+        message.insert(message.end(), 1 + below(random, 3), static_cast<uint8_t>(random()));
+        return "octets-behind";
     }
 }
 
@@ -132,21 +104,24 @@ Octets otherHead(const Element& element, const Octets& content, Random& random) 
 
 const char* damage(Octets& message, Random& random) {
     const Element whole = ElementReader(message).first();
-    std::vector<Path> paths;
-    Path start;
-    collectPaths(whole, start, paths);
-    if (paths.size() < 2 || below(random, 3) == 0) return changeOctets(message, random, paths);
+    std::vector<const Element*> all;
+    collect(whole, all);
+    if (all.size() < 2 || below(random, 3) == 0) return changeOctets(message, random, all);
 
-    paths.erase(paths.begin()); // the message itself
+    all.erase(all.begin()); // the message itself
     const bool contentsOnly = below(random, 2) == 0;
-    if (contentsOnly) std::erase_if(paths, [](const Path& path) { return path.back()->isConstructed(); });
-    if (paths.empty()) return changeOctets(message, random, {{&whole}});
-    const Path& path = paths[below(random, paths.size())];
-    const Element& element = *path.back();
+    if (contentsOnly) std::erase_if(all, [](const Element* element) { return element->isConstructed(); });
+    if (all.empty()) return changeOctets(message, random, {&whole});
+    const Element& element = *all[below(random, all.size())];
     const auto at = [&](std::size_t offset) { return message.begin() + static_cast<std::ptrdiff_t>(offset); };
     const Octets head(at(element.begin), at(element.begin + element.tagSize)), own(at(element.begin), at(element.end));
+    const auto replace = [&](const Octets& octets) {
+        message = rewritten(message, whole, [&](const Element& each) {
+            return &each == &element ? std::optional(octets) : std::nullopt;
+        });
+    };
     if (contentsOnly) {
-        message = replaced(message, path, elementOf(head, contents[below(random, std::size(contents))]));
+        replace(elementOf(head, contents[below(random, std::size(contents))]));
         return "content-replaced";
     }
     Octets octets;
@@ -155,7 +130,7 @@ const char* damage(Octets& message, Random& random) {
     if (change == 2) octets = strays[below(random, std::size(strays))];
     if (change == 3) octets = otherHead(element, Octets(at(element.content), at(element.end)), random);
     else if (change != 0) test::append(octets, own);
-    message = replaced(message, path, octets);
+    replace(octets);
     constexpr const char* names[] = {"element-lost", "element-doubled", "element-inserted", "head-changed"};
     return names[change];
 }

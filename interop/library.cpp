@@ -35,9 +35,8 @@ Octets encoded(TypeId type, const void* value) {
     const test::Channel& channel = test::channelOf(type);
     const ChoiceRecord& choice = *test::choiceIn(channel, value);
     static Octets block(1 << 20);
-    const uint32_t length =
-        channel.encode(test::userIn(channel, value).data(), choice.slot, choice.choiceId, block.data(),
-                       static_cast<uint32_t>(block.size()));
+    const uint32_t length = channel.encode(test::userIn(channel, value).data(), choice.slot, choice.choiceId,
+                                           block.data(), static_cast<uint32_t>(block.size()));
     if (length == 0) throw std::runtime_error("the library does not encode a value");
     return Octets(block.begin(), block.begin() + length);
 }

@@ -15,11 +15,16 @@ using namespace zyn::interop;
 
 constexpr const char* usage =
     "usage: zyn-interop messages COUNT\n"
-    "       zyn-interop compare COUNT ASN1C-ANSWERS ERLANG-ANSWERS\n"
+    "       zyn-interop proofs COUNT ASN1C ERLANG\n"
+    "       zyn-interop compare COUNT ASN1C ERLANG ASN1C-PROOFS ERLANG-PROOFS\n"
     "\n"
-    "messages writes COUNT messages of each alternative as the library encodes them, as many in other forms of BER and\n"
-    "as many damaged ones; a line each, \"name module type octets\". compare reads what the peers answered, writes\n"
-    "tables, and ends with 1 if there is a difference that it knows no reason for.\n";
+    "messages writes COUNT messages of each alternative as the library encodes them, as many in other forms of BER "
+    "and\n"
+    "as many damaged ones; a line each, \"name module type octets\". proofs reads what the peers answered and writes "
+    "the\n"
+    "messages that show the cause of each difference. compare reads what the peers answered to both, writes tables, "
+    "and\n"
+    "ends with 1 if there is a difference that has no reason known, or another one than the one it knows.\n";
 
 int writeMessages(const std::vector<Message>& corpus) {
     for (const Message& message : corpus) {
@@ -37,8 +42,8 @@ Answers answersIn(const char* file) {
 }
 
 void writeSide(const Findings& findings, Side side) {
-    const char* name = sideNames[static_cast<int>(side)];
-    std::cout << "\n## " << name << "\n\n| messages | what " << name << " makes of them | how many |\n|---|---|---:|\n";
+    const char* name = nameOf(side);
+    std::cout << "\n## " << name << "\n\n| messages | " << name << " | how many |\n|---|---|---:|\n";
     for (const auto& [heading, counts] : findings.of[static_cast<int>(side)]) {
         for (const auto& [what, count] : counts) {
             std::cout << "| " << heading << " | " << what << " | " << count << " |\n";
@@ -57,8 +62,9 @@ void writeDamaged(const Findings& findings) {
 }
 
 int writeFindings(const Findings& findings) {
-    std::cout << findings.messages[0] << " messages of the library, " << findings.messages[1]
-              << " in other forms, " << findings.messages[2] << " damaged\n";
+    std::cout << findings.messages[0] << " messages of the library, " << findings.messages[1] << " in other forms, "
+              << findings.messages[2] << " damaged; and " << findings.proofs.size()
+              << " to show the causes of differences\n";
     for (const Side side : {Side::asn1c, Side::erlang}) writeSide(findings, side);
     writeDamaged(findings);
     for (const auto& [what, messages] : findings.unexplained) {
@@ -71,7 +77,8 @@ int writeFindings(const Findings& findings) {
 
 int main(int argc, char** argv) {
     const std::string verb = argc > 2 ? argv[1] : "";
-    if (!(verb == "messages" && argc == 3) && !(verb == "compare" && argc == 5)) {
+    const int wanted = verb == "messages" ? 3 : verb == "proofs" ? 5 : verb == "compare" ? 7 : 0;
+    if (argc != wanted) {
         std::fputs(usage, stderr);
         return 2;
     }
@@ -79,7 +86,10 @@ int main(int argc, char** argv) {
     try {
         const std::vector<Message> corpus = makeCorpus(static_cast<uint32_t>(std::stoul(argv[2])));
         if (verb == "messages") return writeMessages(corpus);
-        return writeFindings(compare(corpus, answersIn(argv[3]), answersIn(argv[4])));
+        const Answers asn1c = answersIn(argv[3]), erlang = answersIn(argv[4]);
+        if (verb == "proofs") return writeMessages(compare(corpus, {&asn1c, &erlang}).proofs);
+        const Answers asn1cProofs = answersIn(argv[5]), erlangProofs = answersIn(argv[6]);
+        return writeFindings(compare(corpus, {&asn1c, &erlang, &asn1cProofs, &erlangProofs}));
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "zyn-interop: %s\n", failure.what());
         return 2;

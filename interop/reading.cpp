@@ -27,7 +27,7 @@ public:
     Reading run(TypeId id) {
         Reading reading;
         try {
-            const Element whole = elements.first();
+            Element& whole = reading.whole.emplace(elements.first());
             const Type& type = typeOf(id);
             if (type.shape == Shape::Choice) reading.text = choice(type, whole);
             else reading.text = tagged(sequenceTag, Kind::Sequence, id, whole);
@@ -35,6 +35,7 @@ public:
             elements.note(stop.trait);
         }
         reading.traits = elements.traits;
+        reading.missing = elements.missing;
         return reading;
     }
 
@@ -42,24 +43,30 @@ private:
     const uint8_t* contentOf(const Element& element) const { return octets.data() + element.content; }
     static std::size_t sizeOf(const Element& element) { return element.end - element.content; }
 
+    [[noreturn]] void stop(Trait found, Element& element) {
+        elements.note(found, element);
+        throw Stop{found};
+    }
+
     // The value of an element that must have that tag, and the tag as its head.
-    std::string tagged(AsnTag tag, Kind kind, TypeId type, const Element& element) {
+    std::string tagged(AsnTag tag, Kind kind, TypeId type, Element& element) {
         const Element wanted = elementOf(tag);
         if (!element.isSameTag(wanted)) throw Stop{Trait::ForeignElement};
-        if (!isString(kind) && element.isConstructed() != wanted.isConstructed()) throw Stop{Trait::Construction};
+        if (!isString(kind) && element.isConstructed() != wanted.isConstructed()) stop(Trait::Construction, element);
         return std::to_string(wanted.leading & 0xC0) + "/" + std::to_string(element.number) +
                value(kind, type, element);
     }
 
-    std::string value(Kind kind, TypeId type, const Element& element) {
+    std::string value(Kind kind, TypeId type, Element& element) {
+        if (has(element.traits, Trait::PrimitiveIndefinite)) return "";
         switch (kind) {
         case Kind::Int: return integer(element);
         case Kind::Bool:
-            if (sizeOf(element) != 1) elements.note(Trait::BoolLength);
+            if (sizeOf(element) != 1) elements.note(Trait::BoolLength, element);
             return contentText(element);
         case Kind::Real: return real(element);
-        case Kind::Octs: return "(" + pieces(element, 4, true) + ")";
-        case Kind::Bits: return "(" + pieces(element, 3, true) + ")";
+        case Kind::Octs: return string(element, 4);
+        case Kind::Bits: return string(element, 3);
         case Kind::Sequence: return sequence(typeOf(type), element);
         case Kind::SetOf: return list(typeOf(type), element);
         case Kind::Choice: break;
@@ -68,7 +75,7 @@ private:
         return "{" + choice(typeOf(type), wrapped(element)) + "}";
     }
 
-    std::string choice(const Type& type, const Element& element) {
+    std::string choice(const Type& type, Element& element) {
         for (const Alternative& row : type.alternatives) {
             if (element.isSameTag(elementOf(row.tag))) return tagged(row.tag, row.kind, row.type, element);
         }
@@ -81,8 +88,8 @@ private:
         return std::ranges::any_of(rows, [&](auto& row) { return element.isSameTag(elementOf(row.tag)); });
     }
 
-    std::string sequence(const Type& type, const Element& element) {
-        if (type.fields.empty() && !element.parts.empty()) throw Stop{Trait::EmptyFilled};
+    std::string sequence(const Type& type, Element& element) {
+        if (type.fields.empty() && !element.parts.empty()) stop(Trait::EmptyFilled, element);
         std::string text = "{";
         auto part = element.parts.begin();
         for (const Field& field : type.fields) {
@@ -96,24 +103,24 @@ private:
         return text + "}";
     }
 
-    std::string field(const Field& field, const Element& element) {
+    std::string field(const Field& field, Element& element) {
         if (field.kind == Kind::Choice) return choice(typeOf(field.type), element);
         if (!field.wrapped) return tagged(field.tag, field.kind, field.type, element);
-        if (!element.isConstructed()) throw Stop{Trait::Construction};
+        if (!element.isConstructed()) stop(Trait::Construction, element);
         return std::to_string(element.number) + "{" +
                tagged(universalTag(field.type, field.kind), field.kind, field.type, wrapped(element)) + "}";
     }
 
-    const Element& wrapped(const Element& element) {
-        if (element.indefinite) elements.note(Trait::IndefiniteWrapper);
+    Element& wrapped(Element& element) {
+        if (element.indefinite) elements.note(Trait::IndefiniteWrapper, element);
         if (element.parts.empty()) throw Stop{Trait::MissingField};
         if (element.parts.size() > 1) throw Stop{Trait::ForeignElement};
         return element.parts[0];
     }
 
-    std::string list(const Type& type, const Element& element) {
+    std::string list(const Type& type, Element& element) {
         std::vector<std::string> texts;
-        for (const Element& part : element.parts) {
+        for (Element& part : element.parts) {
             texts.push_back(tagged(sequenceTag, Kind::Sequence, type.element, part));
         }
         if (normal.lists) std::ranges::sort(texts);
@@ -126,27 +133,31 @@ private:
         return "(" + hexOf(contentOf(element), sizeOf(element)) + ")";
     }
 
-    std::string integer(const Element& element) {
+    std::string integer(Element& element) {
         const uint8_t* content = contentOf(element);
         const std::size_t size = sizeOf(element);
-        if (size == 0) elements.note(Trait::IntEmpty);
+        if (size == 0) elements.note(Trait::IntEmpty, element);
         if (size > 8) {
-            elements.note(Trait::IntOver8Octets);
+            elements.note(Trait::IntOver8Octets, element);
         } else if (size > 4) {
-            elements.note(Trait::IntOver4Octets);
+            elements.note(Trait::IntOver4Octets, element);
         } else if (size > 1 && (content[0] == 0 || content[0] == 0xFF) && (content[0] ^ content[1]) < 0x80) {
-            elements.note(Trait::IntNotShortest);
+            elements.note(Trait::IntNotShortest, element);
         }
         return contentText(element);
     }
 
+    std::string string(Element& element, uint64_t number) {
+        if (element.isConstructed() && element.parts.empty()) elements.note(Trait::NoPieces, element);
+        return "(" + pieces(element, number, true) + ")";
+    }
+
     // The octets of a string, whole or in pieces. last: no piece follows it.
-    std::string pieces(const Element& element, uint64_t number, bool last) {
-        if (element.isConstructed() && element.parts.empty()) elements.note(Trait::NoPieces);
+    std::string pieces(Element& element, uint64_t number, bool last) {
         std::string text;
-        for (const Element& part : element.parts) {
+        for (Element& part : element.parts) {
             if (part.leading >= 0x40 || part.number != number) throw Stop{Trait::StringPiece};
-            if (part.isConstructed()) elements.note(Trait::NestedPieces);
+            if (part.isConstructed()) elements.note(Trait::NestedPieces, element);
             text += pieces(part, number, last && &part == &element.parts.back());
         }
         if (element.isConstructed()) return text;
@@ -154,48 +165,49 @@ private:
         const std::size_t size = sizeOf(element);
         if (number == 4) return hexOf(content, size);
         if (size == 0) {
-            elements.note(Trait::BitsNoCount);
+            elements.note(Trait::BitsNoCount, element);
             return "";
         }
         const unsigned unused = content[0];
         if (unused > (size == 1 || !last ? 0u : 7u)) {
-            elements.note(Trait::BitsUnused);
+            elements.note(Trait::BitsUnused, element);
             return "";
         }
         const unsigned spare = (1u << unused) - 1;
-        if ((content[size - 1] & spare) == 0 || unused == 0) return hexOf(content + 1, size - 1) + "/" + std::to_string(unused);
-        elements.note(Trait::BitsSpare);
+        if ((content[size - 1] & spare) == 0 || unused == 0)
+            return hexOf(content + 1, size - 1) + "/" + std::to_string(unused);
+        elements.note(Trait::BitsSpare, element);
         test::Octets bits(content + 1, content + size);
         if (normal.bits) bits.back() &= static_cast<uint8_t>(~spare);
         return hexOf(bits.data(), bits.size()) + "/" + std::to_string(unused);
     }
 
-    std::string real(const Element& element) {
+    std::string real(Element& element) {
         const uint8_t* content = contentOf(element);
         const std::size_t size = sizeOf(element);
         if (size == 0) {
-            elements.note(Trait::RealZero);
+            elements.note(Trait::RealZero, element);
             return "(0p0)";
         }
         if (!(content[0] & 0x80)) {
-            elements.note(notBinary(content[0], size));
+            elements.note(notBinary(content[0], size), element);
             return contentText(element);
         }
         std::size_t at = 1;
         std::size_t exponentSize = (content[0] & 3u) + 1;
         if (exponentSize == 4) {
-            elements.note(Trait::RealCountedExponent);
+            elements.note(Trait::RealCountedExponent, element);
             exponentSize = size > 1 ? content[at++] : 0;
         }
         const unsigned base = content[0] >> 4 & 3;
-        if (base == 3) elements.note(Trait::RealReserved);
-        else if (base != 0) elements.note(Trait::RealBase);
-        if (content[0] & 0x0C) elements.note(Trait::RealScaled);
+        if (base == 3) elements.note(Trait::RealReserved, element);
+        else if (base != 0) elements.note(Trait::RealBase, element);
+        if (content[0] & 0x0C) elements.note(Trait::RealScaled, element);
         if (exponentSize == 0 || size <= at || size - at <= exponentSize) {
-            elements.note(Trait::RealCutShort);
+            elements.note(Trait::RealCutShort, element);
             return contentText(element);
         }
-        const std::string text = binary(content, at, exponentSize, size);
+        const std::string text = binary(element, at, exponentSize);
         return normal.reals ? "(" + text + ")" : contentText(element);
     }
 
@@ -205,7 +217,9 @@ private:
         return first > 0x41 ? Trait::RealNaN : Trait::RealInfinite;
     }
 
-    std::string binary(const uint8_t* content, std::size_t at, std::size_t exponentSize, std::size_t size) {
+    std::string binary(Element& element, std::size_t at, std::size_t exponentSize) {
+        const uint8_t* content = contentOf(element);
+        const std::size_t size = sizeOf(element);
         // More than a double's range holds is kept within it, and noted.
         int64_t exponent = content[at] & 0x80 ? -1 : 0;
         for (std::size_t i = 0; i < exponentSize; ++i) {
@@ -222,11 +236,11 @@ private:
             std::ldexp(static_cast<double>(mantissa), static_cast<int>(std::clamp<int64_t>(exponent, -5000, 5000)));
         tooLong = tooLong || mantissa >> 53 != 0;
         if (tooLong || std::isinf(magnitude) || (mantissa != 0 && exponent < -1074)) {
-            elements.note(Trait::RealBeyondDouble);
+            elements.note(Trait::RealBeyondDouble, element);
         } else if (mantissa == 0) {
-            elements.note(Trait::RealZeroMantissa);
+            elements.note(Trait::RealZeroMantissa, element);
         } else if (magnitude < std::numeric_limits<double>::min()) {
-            elements.note(Trait::RealSubnormal);
+            elements.note(Trait::RealSubnormal, element);
         }
         return realText(content[0] & 0x40 ? -magnitude : magnitude);
     }

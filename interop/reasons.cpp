@@ -14,11 +14,13 @@ constexpr Reason reasons[] = {
     {zyn, refuses, Trait::IntEmpty, "takes no INTEGER without content, which the others take for 0"},
     {zyn, refuses, Trait::TagPadded, "compares tags octet by octet"},
     {zyn, refuses, Trait::TagHighForm, "compares tags octet by octet"},
+    {zyn, refuses, Trait::TagOver3Octets, "compares tags octet by octet"},
     {zyn, refuses, Trait::LengthOver4Octets, "takes lengths of up to four octets"},
     {zyn, refuses, Trait::RealDecimal, "takes no REAL in decimal form"},
     {zyn, takes, Trait::RealCut, "takes a REAL that the data end in as far as it goes"},
     {zyn, takes, Trait::WrapperLength, "goes by the length of the value inside an EXPLICIT tag"},
 
+    {asn1c, takes, Trait::PrimitiveIndefinite, "takes a BOOLEAN with an indefinite length for one without content"},
     {asn1c, takes, Trait::BoolLength, "takes a BOOLEAN of any length"},
     {asn1c, takes, Trait::BitsUnused, "takes the lowest three bits of the count of unused bits"},
     {asn1c, takes, Trait::RealNaN, "takes NaN and minus zero"},
@@ -40,6 +42,7 @@ constexpr Reason reasons[] = {
     {erlang, refuses, Trait::RealCountedExponent, "counts the octets of a counted exponent wrongly"},
     {erlang, refuses, Trait::RealBase, "knows base 2 alone"},
     {erlang, refuses, Trait::NestedPieces, "fails at pieces within pieces of a string"},
+    {erlang, readsOther, Trait::NestedPieces, "fails at pieces within pieces of a string"},
     {erlang, refuses, Trait::NoPieces, "fails at a string of no pieces"},
     {erlang, refuses, Trait::BitsNoCount, "fails at a piece of a BIT STRING without its count of unused bits"},
     {erlang, readsOther, Trait::BitsNoCount, "fails at a piece of a BIT STRING without its count of unused bits"},
@@ -49,10 +52,11 @@ constexpr Reason reasons[] = {
 };
 
 constexpr const char* names[] = {
+    "primitive element with an indefinite length",
     "data end inside a REAL",
     "data end inside an element",
     "element longer than the one around it",
-    "length octet FF, or indefinite length of a primitive element",
+    "length octet FF",
     "no end-of-contents",
     "required field missing",
     "element where it does not belong",
@@ -61,6 +65,7 @@ constexpr const char* names[] = {
     "piece of a string of another type",
     "tag number in more octets than it needs",
     "tag number below 31 in the high form",
+    "tag of more than three octets",
     "INTEGER without content",
     "INTEGER not in the fewest octets",
     "BOOLEAN not of one octet",
@@ -71,7 +76,6 @@ constexpr const char* names[] = {
     "octets behind the message",
     "INTEGER of 5 to 8 octets",
     "INTEGER of more than 8 octets",
-    "tag of more than three octets",
     "length in more than four octets",
     "REAL beyond a double",
     "REAL in decimal form",
@@ -93,11 +97,25 @@ static_assert(std::size(names) == static_cast<std::size_t>(Trait::Count));
 
 } // namespace
 
-const Reason* reasonFor(Side side, Effect effect, const Traits& traits) {
+const Reason* reasonFor(Side side, Effect effect, Trait trait) {
     const auto found = std::ranges::find_if(reasons, [&](const Reason& reason) {
-        return reason.side == side && reason.effect == effect && has(traits, reason.trait);
+        return reason.side == side && reason.effect == effect && reason.trait == trait;
     });
     return found == std::end(reasons) ? nullptr : found;
+}
+
+Traits causesOf(Side side, Effect effect) {
+    Traits causes;
+    for (const Reason& reason : reasons) {
+        if (reason.side == side && reason.effect == effect) causes.set(static_cast<std::size_t>(reason.trait));
+    }
+    return causes;
+}
+
+Traits allCauses() {
+    Traits causes;
+    for (const Reason& reason : reasons) causes.set(static_cast<std::size_t>(reason.trait));
+    return causes;
 }
 
 const char* nameOf(Trait trait) { return names[static_cast<std::size_t>(trait)]; }

@@ -1,15 +1,23 @@
 // Why the sides differ: every difference that is known, by what a message has and by what a side then does.
 #pragma once
 
-#include "interop/reading.h"
+#include "interop/traits.h"
 
 namespace zyn::interop {
 
 enum class Side { zyn, asn1c, erlang };
-constexpr const char* sideNames[] = {"zyn", "asn1c", "Erlang"};
+constexpr Side sides[] = {Side::zyn, Side::asn1c, Side::erlang};
+constexpr const char* nameOf(Side side) {
+    constexpr const char* names[] = {"zyn", "asn1c", "Erlang"};
+    return names[static_cast<int>(side)];
+}
 
 // What a side does, beside what the library does, or the library beside both others.
-enum class Effect { refuses, takes, readsOther, writesOther, writesNothing };
+enum class Effect { refuses, takes, readsOther, writesOther };
+constexpr const char* effectText(Effect effect) {
+    constexpr const char* texts[] = {"refuses", "takes", "reads other values", "writes other values"};
+    return texts[static_cast<int>(effect)];
+}
 
 struct Reason {
     Side side;
@@ -18,8 +26,13 @@ struct Reason {
     const char* text;
 };
 
-// The first reason that there is for a side to do so with a message of these traits; null: none is known.
-const Reason* reasonFor(Side side, Effect effect, const Traits& traits);
+// The reason that there is for a side to do so with a message that has that trait; null: none is known.
+const Reason* reasonFor(Side side, Effect effect, Trait trait);
+
+// All traits that are a reason for a side to do so.
+Traits causesOf(Side side, Effect effect);
+// All traits that are a reason for anything.
+Traits allCauses();
 
 // What a trait is called in a table.
 const char* nameOf(Trait trait);

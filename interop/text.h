@@ -10,8 +10,8 @@
 #pragma once
 
 #include <cmath>
-#include <cstdint>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace zyn::interop {

@@ -86,7 +86,8 @@ bool accepts(const Field& field, AsnTag tag) {
     return (tag & field.mask) == field.tag;
 }
 
-[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* count) {
+[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length,
+                                               void* value, AsnLen* count) {
     switch (kind) {
     case Kind::Int: return BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), count, d.env);
     case Kind::Bool: return BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), count, d.env);
@@ -103,6 +104,7 @@ void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, As
     const AsnLen outerLength = length;
     if (field.wrapped) {
         startElement(d, step);
+        d.walk.inWrapper = true;
         tag = nextTag(d.b, count, d.env);
         if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
         length = nextLength(d.b, count, d.env);
@@ -116,6 +118,7 @@ void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, As
     decodeValue(d, field.kind, field.type, tag, length, value, count);
     // A wrapper of definite length is not compared with what it held.
     if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, step, count);
+    if (field.wrapped) d.walk.inWrapper = false;
 }
 
 // A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
@@ -238,13 +241,13 @@ void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* v
 
 void decodeContent(SBuf* b, TypeId type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded, jmp_buf env) {
     Step first = firstStep(b, type);
-    Walk walk = {b, &first};
+    Walk walk{b, &first};
     Decoder d{b, env, walk};
     decodeType(d, typeOf(type), tag, length, value, bytesDecoded);
 }
 
 void decodeMessage(SBuf* b, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
-    Walk walk = {b, nullptr};
+    Walk walk{b, nullptr};
     decodeMessage(walk, id, value, bytesDecoded, env);
 }
 
@@ -256,7 +259,8 @@ void decodeMessage(Walk& walk, TypeId id, void* value, AsnLen* bytesDecoded, jmp
     const AsnTag tag = BDecTag(d.b, bytesDecoded, env);
     if (type.shape == Shape::Sequence && tag != sequenceTag) {
         raise(env, siteCode(type, Site::OuterTag),
-              id == TypeId::ZynTransReq ? "BDecZynTransReq: ERROR - wrong tag\n" : "BDecZynQueryReq: ERROR - wrong tag\n");
+              id == TypeId::ZynTransReq ? "BDecZynTransReq: ERROR - wrong tag\n"
+                                        : "BDecZynQueryReq: ERROR - wrong tag\n");
     }
     const AsnLen length = BDecLen(d.b, bytesDecoded, env);
     decodeType(d, type, tag, length, value, bytesDecoded);

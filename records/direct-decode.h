@@ -52,6 +52,9 @@ struct Taken {
 // Whether the room in the arena's current block has been proved for all that a record takes, or each piece is tested.
 enum class Room { tested, proved };
 
+// What holds for a field's record of a type: room that has been proved is proved for small records alone.
+constexpr Room roomOf(TypeId id, Room room) { return isSmall(id) ? room : Room::tested; }
+
 // Takes memory as NibbleAlloc gives it: rounded up to 8 bytes, zero-filled. False when the allocator refuses.
 template <Room room = Room::tested>
 [[gnu::always_inline]] inline bool take(uint8_t*& memory, uint8_t*& free, std::size_t size, Source& source) {
@@ -124,7 +127,8 @@ struct Measured {
 [[gnu::noinline]] inline Cursor string(Cursor at, std::size_t rest, AsnOcts* text, Source& source) {
     const std::size_t length = *at.p, stored = roundedUp(length + 1);
     const uint8_t *from = at.p + 1, *end = from + length;
-    if (length < 8 || length > 64 || length >= rest || std::size_t(source.blockEnd - at.free) < 24 + stored) [[unlikely]] {
+    if (length < 8 || length > 64 || length >= rest || std::size_t(source.blockEnd - at.free) < 24 + stored)
+        [[unlikely]] {
         return rareString(at, rest, text, source);
     }
     text->octetLen = static_cast<uint32_t>(length);
@@ -189,7 +193,8 @@ struct Measured {
 // A REAL in the form that encoders write: base 2, no scaling, a mantissa of 1 to 7 octets. With an exponent of one octet,
 // which most have, its power of two is normal and takes the sign along.
 [[gnu::always_inline]] inline bool realAt(const uint8_t* p, std::size_t length, AsnReal* value) {
-    if (length - 3 > 6u || (p[0] & 0xBF) != 0x80) [[unlikely]] return rareRealAt(p, length, value);
+    if (length - 3 > 6u || (p[0] & 0xBF) != 0x80) [[unlikely]]
+        return rareRealAt(p, length, value);
     const auto exponent = static_cast<uint64_t>(exponentBias + static_cast<int8_t>(p[1]));
     const uint64_t power = exponent << significandBits | static_cast<uint64_t>(p[0] & 0x40) << 57;
     *value = mantissaAt(p + length, length - 2) * std::bit_cast<double>(power);
@@ -318,7 +323,8 @@ template <TypeId id, std::size_t index, Room room>
 }
 
 // A field of one octet or a few, as all numbers have.
-template <TypeId id, std::size_t index, Room room> [[gnu::always_inline]] inline bool numberField(Walk& walk, void* record) {
+template <TypeId id, std::size_t index, Room room>
+[[gnu::always_inline]] inline bool numberField(Walk& walk, void* record) {
     constexpr const Field& row = typeOf(id).fields[index];
     std::size_t length;
     if constexpr (tagOctets(row.tag) == 1) {
@@ -384,9 +390,10 @@ template <TypeId id, std::size_t index, Room room>
         const std::size_t rest = walk.rest() - tagOctets(row.tag);
         if (longTag && rest == 0) return walk.failed();
         const Cursor at{walk.p() + tagOctets(row.tag), walk.free};
-        if constexpr (row.kind == Kind::Bits) taken = walk.moveTo(bits(at, rest, static_cast<AsnBits*>(place), walk.source));
+        if constexpr (row.kind == Kind::Bits)
+            taken = walk.moveTo(bits(at, rest, static_cast<AsnBits*>(place), walk.source));
         else if constexpr (row.kind == Kind::SetOf) taken = walk.moveTo(setOf<row.type>(at, rest, place, walk.source));
-        else taken = walk.moveTo(direct::record<row.type, isSmall(row.type) ? room : Room::tested>(at, rest, place, walk.source));
+        else taken = walk.moveTo(direct::record<row.type, roomOf(row.type, room)>(at, rest, place, walk.source));
     } else {
         taken = numberField<id, index, room>(walk, record);
     }
@@ -422,8 +429,7 @@ template <TypeId id, Room room>
 }
 
 // A small record that may not fit into the arena's current block.
-template <TypeId id>
-[[gnu::noinline, gnu::cold]] Cursor smallRecordAcross(Cursor at, void* place, Source& source) {
+template <TypeId id> [[gnu::noinline, gnu::cold]] Cursor smallRecordAcross(Cursor at, void* place, Source& source) {
     uint8_t* memory;
     if (!take(memory, at.free, typeOf(id).size, source)) return giveUp(at);
     store(place, memory);
@@ -498,7 +504,8 @@ inline constexpr auto alternativesByNumber = []<std::size_t... index>(std::index
     std::array<NumberedAlternative, typeOf(id).byNumber.size()> table{};
     ((table[rows[index].number] = {alternativeDecoder<rows[index].type, rows[index].kind>(), rows[index].tag}), ...);
     return table;
-}(std::make_index_sequence<typeOf(id).alternatives.size()>());
+}
+(std::make_index_sequence<typeOf(id).alternatives.size()>());
 
 template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source) {
     if (rest < 4 && (rest < 2 || (*at.p & 0x1F) == 0x1F)) return giveUp(at);

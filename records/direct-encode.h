@@ -46,7 +46,8 @@ inline bool hasRoom(const uint8_t* w, const uint8_t* begin, std::size_t octets) 
 // Tag and length in front of w, for which room is there.
 template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushHeader(uint8_t* w, std::size_t length) {
     constexpr unsigned octets = tagOctets(tag);
-    if (length < 0x80) [[likely]] *--w = static_cast<uint8_t>(length);
+    if (length < 0x80) [[likely]]
+        *--w = static_cast<uint8_t>(length);
     else w = pushLongLength(w, length);
     if constexpr (octets == 3) *--w = static_cast<uint8_t>(tag >> 8);
     if constexpr (octets >= 2) *--w = static_cast<uint8_t>(tag >> 16);
@@ -67,10 +68,11 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushShortHeader(uin
 // A string with its length and a tag of one octet. Null: no room for it and for what else is needed in front of it.
 // Up to 16 octets go in two moves that overlap.
 [[gnu::always_inline]] inline uint8_t* pushString(uint8_t* w, uint8_t* begin, const AsnOcts& text, std::size_t needed,
-                                             uint8_t tag) {
+                                                  uint8_t tag) {
     const std::size_t length = text.octetLen;
     const uint8_t* from = text.octs;
-    if (!hasRoom(w, begin, needed + length)) [[unlikely]] return nullptr;
+    if (!hasRoom(w, begin, needed + length)) [[unlikely]]
+        return nullptr;
     w -= length;
     if (length >= 8) {
         if (length <= 16) {
@@ -91,7 +93,8 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushShortHeader(uin
         w[length / 2] = from[length / 2];
         w[length - 1] = from[length - 1];
     }
-    if (length < 0x80) [[likely]] *--w = static_cast<uint8_t>(length);
+    if (length < 0x80) [[likely]]
+        *--w = static_cast<uint8_t>(length);
     else w = pushLongLength(w, length);
     *--w = tag;
     return w;
@@ -142,7 +145,8 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     }
     const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
     const RealParts parts = splitNormal(bits, stored);
-    if (parts.exponent != static_cast<int8_t>(parts.exponent)) [[unlikely]] return pushRareReal(w, value, tag);
+    if (parts.exponent != static_cast<int8_t>(parts.exponent)) [[unlikely]]
+        return pushRareReal(w, value, tag);
     store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
     w -= parts.octets;
     const uint32_t sign = static_cast<uint32_t>(bits >> 63) << 6;
@@ -199,7 +203,7 @@ template <TypeId id, std::size_t index>
         const AsnInt number = *static_cast<const AsnInt*>(value);
         // Most are one octet long. To guess that lets the next field begin before this one's length is known.
         if (number == static_cast<int8_t>(number)) [[likely]] {
-            w = pushOctet<row.wrapped ? integerTag : row.tag>(w, static_cast<uint8_t>(number));
+            w = pushOctet < row.wrapped ? integerTag : row.tag > (w, static_cast<uint8_t>(number));
             if constexpr (row.wrapped) w = pushShortHeader<row.tag>(w, 3);
             return w;
         }
@@ -240,7 +244,8 @@ template <TypeId id, std::size_t index>
             w = setOf<row.type>(static_cast<AsnList*>(const_cast<void*>(value)), w, begin);
         } else {
             if (!value) return row.optional ? w : nullptr;
-            if constexpr (row.kind == Kind::Choice) w = choice<row.type>(static_cast<const ChoiceRecord*>(value), w, begin);
+            if constexpr (row.kind == Kind::Choice)
+                w = choice<row.type>(static_cast<const ChoiceRecord*>(value), w, begin);
             else w = sequence<row.type>(value, w, begin);
         }
         if (!w) return nullptr;
@@ -265,7 +270,8 @@ template <TypeId id, std::size_t index>
 }
 
 template <TypeId id, std::size_t... i>
-[[gnu::always_inline]] inline uint8_t* steps(const void* record, uint8_t* w, uint8_t* begin, std::index_sequence<i...>) {
+[[gnu::always_inline]] inline uint8_t* steps(const void* record, uint8_t* w, uint8_t* begin,
+                                             std::index_sequence<i...>) {
     static_cast<void>(((w = step<id, sizeof...(i) - 1 - i>(record, w, begin)) && ...));
     return w;
 }
@@ -305,7 +311,8 @@ inline constexpr auto alternativeEncoders = []<std::size_t... index>(std::index_
     std::array<AlternativeEncoder, typeOf(id).byNumber.size()> table{};
     ((table[typeOf(id).alternatives[index].number] = alternative<id, index>), ...);
     return table;
-}(std::make_index_sequence<typeOf(id).alternatives.size()>());
+}
+(std::make_index_sequence<typeOf(id).alternatives.size()>());
 
 template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
     constexpr auto& table = alternativeEncoders<id>;
@@ -314,7 +321,8 @@ template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uin
 }
 
 template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_t* end) {
-    if (!infinitiesAreUsual()) [[unlikely]] return nullptr;
+    if (!infinitiesAreUsual()) [[unlikely]]
+        return nullptr;
     if constexpr (typeOf(id).shape == Shape::Choice) {
         return choice<id>(static_cast<const ChoiceRecord*>(message), end, begin);
     } else {

@@ -93,14 +93,14 @@ template <typename Value> consteval Kind kindOf() {
 // One field of a SEQUENCE.
 struct Field {
     const char* name;
-    AsnTag tag;      // as it stands on the wire, in primitive form for strings; 0 for a CHOICE
-    AsnTag mask;     // of what a tag on the wire has to have in common with it: a string may be constructed
+    AsnTag tag;  // as it stands on the wire, in primitive form for strings; 0 for a CHOICE
+    AsnTag mask; // of what a tag on the wire has to have in common with it: a string may be constructed
     TypeId type;
     uint16_t offset; // of the member in the record
     Kind kind;
     bool optional;
-    bool wrapped;    // an explicit tag stands round the value
-    bool pointer;    // the member holds a pointer to the value
+    bool wrapped; // an explicit tag stands round the value
+    bool pointer; // the member holds a pointer to the value
 };
 
 // One alternative of a CHOICE; its number is the choiceId and the context tag number at once.
@@ -125,7 +125,7 @@ struct Type {
     TypeId element = {}; // of a SetOf
     uint16_t size = 0;   // of the structure, in bytes
     int16_t firstCode = 0;
-    uint16_t tail = 0;   // index of the first field from which on all are OPTIONAL
+    uint16_t tail = 0;     // index of the first field from which on all are OPTIONAL
     uint8_t alignment = 0; // of the structure, in bytes
     Shape shape = Shape::Primitive;
     bool message = false; // travels on its own, with tag and length
@@ -146,9 +146,8 @@ consteval Field field(const char* name, std::size_t offset, SchemaTag tag, TypeI
     const bool optional = presence == Presence::optional;
     if (pointer != (!isString(kind) && (optional || isConstructed(kind)))) throw "pointer or not, against the row";
     const bool wrapped = tag.form == SchemaTag::Form::Explicit;
-    const AsnTag wire = tag.form == SchemaTag::Form::Universal
-                            ? universalTag(type, kind)
-                            : contextTag(tag.number, wrapped || isConstructed(kind));
+    const AsnTag wire = tag.form == SchemaTag::Form::Universal ? universalTag(type, kind)
+                                                               : contextTag(tag.number, wrapped || isConstructed(kind));
     const AsnTag mask = isString(kind) ? ~constructedBit : ~AsnTag{0};
     return {name, wire, mask, type, static_cast<uint16_t>(offset), kind, optional, wrapped, pointer};
 }
@@ -171,16 +170,28 @@ consteval uint16_t tailOf(std::span<const Field> fields) {
 template <typename Record>
 consteval Type sequence(const char* name, TypeId id, std::span<const Field> fields, bool message) {
     static_assert(std::is_standard_layout_v<Record>);
-    return {.name = name, .fields = fields, .id = id, .size = sizeof(Record), .tail = tailOf(fields),
-            .alignment = alignof(Record), .shape = Shape::Sequence, .message = message};
+    return {.name = name,
+            .fields = fields,
+            .id = id,
+            .size = sizeof(Record),
+            .tail = tailOf(fields),
+            .alignment = alignof(Record),
+            .shape = Shape::Sequence,
+            .message = message};
 }
 
 template <typename Record>
 consteval Type choice(const char* name, TypeId id, std::span<const Alternative> alternatives,
                       std::span<const int16_t> byNumber, bool message) {
     static_assert(offsetof(Record, slot) == alignof(void*));
-    return {.name = name, .alternatives = alternatives, .byNumber = byNumber, .id = id, .size = sizeof(Record),
-            .alignment = alignof(Record), .shape = Shape::Choice, .message = message};
+    return {.name = name,
+            .alternatives = alternatives,
+            .byNumber = byNumber,
+            .id = id,
+            .size = sizeof(Record),
+            .alignment = alignof(Record),
+            .shape = Shape::Choice,
+            .message = message};
 }
 
 // The rows of a CHOICE by number, so that dispatch takes constant time.
@@ -195,21 +206,21 @@ inline constexpr auto numberIndex = [] {
     return index;
 }();
 
-#define ZYN_FIELD(record, member, tag, type, presence)                                                               \
+#define ZYN_FIELD(record, member, tag, type, presence)                                                                 \
     field<decltype(record::member), type>(#member, offsetof(record, member), tag, TypeId::type, Presence::presence)
-#define ZYN_ALTERNATIVE(record, member, number, type)                                                                \
+#define ZYN_ALTERNATIVE(record, member, number, type)                                                                  \
     alternative<decltype(record::member), type>(#member, number, TypeId::type)
 #define ZYN_SEQUENCE(record) sequence<record>(#record, TypeId::record, record##Fields, false)
 #define ZYN_EMPTY(record) sequence<record>(#record, TypeId::record, {}, false)
-#define ZYN_CHOICE(record)                                                                                           \
+#define ZYN_CHOICE(record)                                                                                             \
     choice<record>(#record, TypeId::record, record##Alternatives, numberIndex<record##Alternatives>, false)
-#define ZYN_SET_OF(list, of)                                                                                         \
-    Type {                                                                                                           \
-        .name = #list, .id = TypeId::list, .element = TypeId::of, .size = sizeof(AsnList),                         \
-        .alignment = alignof(AsnList), .shape = Shape::SetOf                                                         \
+#define ZYN_SET_OF(list, of)                                                                                           \
+    Type {                                                                                                             \
+        .name = #list, .id = TypeId::list, .element = TypeId::of, .size = sizeof(AsnList),                             \
+        .alignment = alignof(AsnList), .shape = Shape::SetOf                                                           \
     }
 #define ZYN_MESSAGE_SEQUENCE(record) sequence<record>(#record, TypeId::record, record##Fields, true)
-#define ZYN_MESSAGE_CHOICE(record)                                                                                   \
+#define ZYN_MESSAGE_CHOICE(record)                                                                                     \
     choice<record>(#record, TypeId::record, record##Alternatives, numberIndex<record##Alternatives>, true)
 
 } // namespace zyn

@@ -51,10 +51,10 @@ constexpr int16_t siteCode(const Type& type, Site site, std::size_t field = 0) {
 consteval std::array<Type, typeCount> assembleTypes() {
     std::array<Type, typeCount> all{};
     constexpr const char* primitives[] = {"AsnInt", "AsnEnum", "AsnBool", "AsnReal", "AsnOcts", "AsnBits"};
-    constexpr uint16_t sizes[] = {sizeof(AsnInt), sizeof(AsnInt), sizeof(AsnBool), sizeof(AsnReal), sizeof(AsnOcts),
-                                  sizeof(AsnBits)};
-    constexpr uint8_t alignments[] = {alignof(AsnInt), alignof(AsnInt), alignof(AsnBool), alignof(AsnReal),
-                                      alignof(AsnOcts), alignof(AsnBits)};
+    constexpr uint16_t sizes[] = {sizeof(AsnInt),  sizeof(AsnInt),  sizeof(AsnBool),
+                                  sizeof(AsnReal), sizeof(AsnOcts), sizeof(AsnBits)};
+    constexpr uint8_t alignments[] = {alignof(AsnInt),  alignof(AsnInt),  alignof(AsnBool),
+                                      alignof(AsnReal), alignof(AsnOcts), alignof(AsnBits)};
     std::size_t next = 0;
     for (const char* name : primitives) {
         all[next] = {.name = name, .id = static_cast<TypeId>(next), .size = sizes[next], .alignment = alignments[next]};

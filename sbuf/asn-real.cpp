@@ -111,7 +111,8 @@ void BDecAsnRealContent(SBuf* b, AsnTag, AsnLen len, AsnReal* result, AsnLen* by
         return;
     }
     if (!(first & binaryForm)) {
-        zyn::raise(env, ZYN_E_REAL_DECIMAL, "BDecAsnRealContent: ERROR - decimal REAL form is not currently supported\n");
+        zyn::raise(env, ZYN_E_REAL_DECIMAL,
+                   "BDecAsnRealContent: ERROR - decimal REAL form is not currently supported\n");
     }
     const Exponent exponent = readExponent(b, first);
     const int64_t octets = int64_t{len} - 1 - exponent.counted;

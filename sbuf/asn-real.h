@@ -40,7 +40,8 @@ inline RealParts splitNormal(uint64_t bits, int32_t stored) {
 inline RealParts splitReal(double value) {
     const uint64_t bits = std::bit_cast<uint64_t>(value);
     const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
-    if (stored != 0) [[likely]] return splitNormal(bits, stored);
+    if (stored != 0) [[likely]]
+        return splitNormal(bits, stored);
     // Subnormal: as a normal value whose exponent is lower by as much as the significand is moved up.
     const uint64_t significand = bits & ((uint64_t{1} << significandBits) - 1);
     const int shift = std::countl_zero(significand) - (63 - significandBits);

@@ -40,6 +40,7 @@ void keep(int32_t code) {
     const uint8_t* element = component ? component : top.element;
     failure.atEnd = b.readError || isCutComponent(code);
     failure.inComponent = component != nullptr;
+    failure.inWrapper = walk->inWrapper;
     failure.element = offsetOf(element);
     failure.offset = failure.atEnd ? offsetOf(b.dataEnd) : failure.element;
     failure.position = offsetOf(b.readLoc);
@@ -47,7 +48,8 @@ void keep(int32_t code) {
     failure.length = top.length;
     failure.headOctets = static_cast<uint32_t>(std::min(sizeof failure.head, size_t(b.dataEnd - element)));
     std::copy_n(element, failure.headOctets, failure.head);
-    for (const Step* step = &top; step; step = step->outer) failure.path[failure.pathLength++] = {step->type, step->index};
+    for (const Step* step = &top; step; step = step->outer)
+        failure.path[failure.pathLength++] = {step->type, step->index};
     std::reverse(failure.path, failure.path + failure.pathLength);
 }
 

@@ -28,7 +28,8 @@ struct Step {
 // The reading of one message.
 struct Walk {
     SBuf* b;
-    Step* top; // the innermost step
+    Step* top;              // the innermost step
+    bool inWrapper = false; // the element that is being read stands inside that of its field
 };
 
 // A step of the path to the place of a failure.
@@ -45,6 +46,7 @@ struct Failure {
     // Of a Decode. Offsets count from the start of the message.
     bool atEnd;        // the data end here
     bool inComponent;  // the element refused is a component of a constructed string
+    bool inWrapper;    // or stands inside that of its field
     uint32_t element;  // offset of the element refused
     uint32_t offset;   // of the place that is reported
     uint32_t position; // up to which the message was read

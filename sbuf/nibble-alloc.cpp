@@ -86,7 +86,8 @@ void ResetNibbleMem(void) {
     NibbleMem* arena = zyn::currentArena();
     if (!arena) return;
     NibbleBuf* first = arena->firstNibbleBuf;
-    clear(first->start, static_cast<size_t>(first->curr - first->start), static_cast<size_t>(first->end - first->start));
+    clear(first->start, static_cast<size_t>(first->curr - first->start),
+          static_cast<size_t>(first->end - first->start));
     first->curr = first->start;
     if (first->next) {
         freeBlocks(first->next);

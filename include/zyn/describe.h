@@ -29,12 +29,7 @@ typedef enum ZynKind {
 } ZynKind;
 
 /* ZynChannel names the four envelopes: a request or a reply on the transaction or the query channel. */
-typedef enum ZynChannel {
-    ZYN_TRANS_REQUEST,
-    ZYN_TRANS_REPLY,
-    ZYN_QUERY_REQUEST,
-    ZYN_QUERY_REPLY
-} ZynChannel;
+typedef enum ZynChannel { ZYN_TRANS_REQUEST, ZYN_TRANS_REPLY, ZYN_QUERY_REQUEST, ZYN_QUERY_REPLY } ZynChannel;
 #define ZYN_CHANNELS 4
 
 typedef struct ZynType ZynType;

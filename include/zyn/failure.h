@@ -13,7 +13,7 @@ extern "C" {
  * or Encode; those that do not apply are empty.
  *
  * code is what the Decode returned, or the reason why an Encode returned 0: ZYN_E_NO_ROOM, ZYN_E_NO_ALTERNATIVE or
- * ZYN_E_NO_WIRE_FORM, or ZYN_E_NO_MEMORY.
+ * ZYN_E_NO_WIRE_FORM, or ZYN_E_NO_MEMORY. Refused memory may name no place: it is not the message's fault.
  * module, record and field name the place in the schema: for a code of -100 and below the place that the code stands for,
  * for any other the innermost record that was being read or written, and the field or alternative in it. field is empty
  * where the record as a whole is meant: its length, its end, or an element that fits none of its fields.

@@ -19,17 +19,17 @@
  * brace. A null v prints nothing, unless T is a CHOICE: then v must be set.
  *
  * Free<T> does nothing: what a decoder made belongs to the arena and goes with its next reset. */
-#define ZYN_RECORD(T)                                                                                                 \
-    ZYN_API AsnLen BEnc##T##Content(SBuf* b, T* v);                                                                   \
-    ZYN_API void BDec##T##Content(SBuf* b, AsnTag tagId, AsnLen elmtLen, T* v, AsnLen* bytesDecoded, jmp_buf env);    \
-    ZYN_API void Print##T(FILE* f, T* v, unsigned short indent);                                                      \
+#define ZYN_RECORD(T)                                                                                                  \
+    ZYN_API AsnLen BEnc##T##Content(SBuf* b, T* v);                                                                    \
+    ZYN_API void BDec##T##Content(SBuf* b, AsnTag tagId, AsnLen elmtLen, T* v, AsnLen* bytesDecoded, jmp_buf env);     \
+    ZYN_API void Print##T(FILE* f, T* v, unsigned short indent);                                                       \
     ZYN_API void Free##T(T* v)
 
 /* ZYN_MESSAGE(T) declares the same for a message, and beside them BEnc<T> and BDec<T>, which write and read the whole
  * message with its tag and length. */
-#define ZYN_MESSAGE(T)                                                                                                \
-    ZYN_RECORD(T);                                                                                                    \
-    ZYN_API AsnLen BEnc##T(SBuf* b, T* v);                                                                            \
+#define ZYN_MESSAGE(T)                                                                                                 \
+    ZYN_RECORD(T);                                                                                                     \
+    ZYN_API AsnLen BEnc##T(SBuf* b, T* v);                                                                             \
     ZYN_API void BDec##T(SBuf* b, T* v, AsnLen* bytesDecoded, jmp_buf env)
 
 #endif

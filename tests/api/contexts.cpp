@@ -83,7 +83,8 @@ TEST_F(Contexts, ExportedVariablesAreOfTheProcess) {
     EXPECT_NE(NibbleAlloc(8), nullptr);
     ShutdownNibbleMem();
     EXPECT_EQ(NibbleAlloc(8), nullptr);
-    for (const char* message : {"B2 10 24 80 04 01 43 04 01 43 04 01 43 04 01 43 00 00", whole, cut}) decode(message, reply);
+    for (const char* message : {"B2 10 24 80 04 01 43 04 01 43 04 01 43 04 01 43 00 00", whole, cut})
+        decode(message, reply);
     ZynEncodeMemAlloc(20000);
     ZynShutdown();
     EXPECT_EQ(nmG, arena);
@@ -147,7 +148,8 @@ TEST_F(Contexts, AHandlerThatJumpsOutLeavesTheContextBound) {
     }
     EXPECT_EQ(ZynContextUse(a), a);
     EXPECT_EQ(decode(whole, reply), 0);
-    EXPECT_EQ(nmG ? nmG->currNibbleBuf->curr : nullptr, nmG ? nmG->currNibbleBuf->start : nullptr) << "not decoded there";
+    EXPECT_EQ(nmG ? nmG->currNibbleBuf->curr : nullptr, nmG ? nmG->currNibbleBuf->start : nullptr)
+        << "not decoded there";
 }
 
 TEST_F(Contexts, AThreadStartsWithoutOneAndMayTakeOneOver) {

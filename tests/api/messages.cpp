@@ -86,6 +86,22 @@ TEST_F(Messages, RoomIsNeededToTheOctet) {
     ZynTextStrSet(&good.infoMessage, "OK", 0);
     EXPECT_EQ(ZynTransReplyEncode(&good, 18, buffer, 6), 6u);
     EXPECT_EQ(ZynTransReplyEncode(&good, 18, buffer, 5), 0u);
+    EXPECT_EQ(ZynTextStrEncode(&good.infoMessage, buffer, 4), 4u);
+    EXPECT_EQ(ZynTextStrEncode(&good.infoMessage, buffer, 3), 0u);
+}
+
+// All twelve characters, or fewer with blanks behind them; blanks in front and in the middle are the sender's.
+TEST_F(Messages, SendersOfEveryLength) {
+    const std::string name = "A BCDEFGHIJK";
+    for (std::size_t length = 0; length <= name.size(); ++length) {
+        std::string sender = name.substr(0, length);
+        while (!sender.empty() && sender.back() == ' ') sender.pop_back();
+        std::string padded = sender + std::string(12 - sender.size(), ' ');
+        ZynTransReq request;
+        const uint32_t octets = ZynTransRequestEncode(padded.data(), nullptr, 456, buffer, sizeof buffer);
+        ASSERT_EQ(ZynTransRequestDecode(buffer, octets, &request), 0);
+        EXPECT_EQ(std::string(reinterpret_cast<char*>(request.userId.octs), request.userId.octetLen), sender);
+    }
 }
 
 TEST_F(Messages, ValuesWithoutWireFormSendNothing) {
@@ -156,6 +172,10 @@ TEST_F(Messages, InfinitiesGoOutAsTheVariablesSay) {
         length = ZynTransRequestEncode(user, &order, 426, buffer, sizeof buffer);
         EXPECT_NE(toHex(buffer, length).find("A2 03 09 01 40"), std::string::npos);
         price.value = std::numeric_limits<double>::infinity();
+        InitAsnInfinity();
+        MINUS_INFINITY = PLUS_INFINITY; // of two that are the same the lower one is asked first
+        length = ZynTransRequestEncode(user, &order, 426, buffer, sizeof buffer);
+        EXPECT_NE(toHex(buffer, length).find("A2 03 09 01 41"), std::string::npos);
     }
     PLUS_INFINITY = plus;
     MINUS_INFINITY = minus;

@@ -17,6 +17,7 @@ extern "C" {
 void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
 void* __real_realloc(void* memory, size_t size);
+void __real_free(void* memory);
 }
 
 namespace {
@@ -25,7 +26,7 @@ enum class Refuse { Nothing, One, AllLater };
 
 struct Allocator {
     Refuse refuse = Refuse::Nothing;
-    unsigned nth = 0;   // the first call refused, counted from 1
+    unsigned nth = 0; // the first call refused, counted from 1
     unsigned calls = 0;
     bool refused = false;
 
@@ -38,12 +39,29 @@ struct Allocator {
     }
 } allocator;
 
+int held = 0; // pieces of memory that were taken and have not been given back
+
+void* counted(void* memory) {
+    held += memory != nullptr;
+    return memory;
+}
+
 } // namespace
 
 extern "C" {
-void* __wrap_malloc(size_t size) { return allocator.grants() ? __real_malloc(size) : nullptr; }
-void* __wrap_calloc(size_t count, size_t size) { return allocator.grants() ? __real_calloc(count, size) : nullptr; }
-void* __wrap_realloc(void* memory, size_t size) { return allocator.grants() ? __real_realloc(memory, size) : nullptr; }
+void* __wrap_malloc(size_t size) { return allocator.grants() ? counted(__real_malloc(size)) : nullptr; }
+void* __wrap_calloc(size_t count, size_t size) {
+    return allocator.grants() ? counted(__real_calloc(count, size)) : nullptr;
+}
+void* __wrap_realloc(void* memory, size_t size) {
+    if (!allocator.grants()) return nullptr;
+    void* moved = __real_realloc(memory, size);
+    return memory ? moved : counted(moved);
+}
+void __wrap_free(void* memory) {
+    held -= memory != nullptr;
+    __real_free(memory);
+}
 }
 
 namespace zyn::test {
@@ -62,6 +80,8 @@ int errorsReported = 0;
 // The least allocations that call is known to make keep the loop from proving nothing.
 template <typename Prepare, typename Call> void refuseEach(unsigned atLeast, Prepare prepare, Call call) {
     Asn1ErrorHandler previous = Asn1InstallErrorHandler([](char*, int) { ++errorsReported; });
+    ZynShutdown();
+    const int before = held;
     for (const Refuse refuse : {Refuse::One, Refuse::AllLater}) {
         for (unsigned nth = 1;; ++nth) {
             prepare();
@@ -74,6 +94,7 @@ template <typename Prepare, typename Call> void refuseEach(unsigned atLeast, Pre
             EXPECT_EQ(errorsReported, 0) << "refused memory is no message's fault";
             EXPECT_EQ(call(), End::Good) << "behind the refusal of allocation " << nth;
             ZynShutdown();
+            EXPECT_EQ(held, before) << "all memory is given back, with allocation " << nth << " refused";
             if (!refused) {
                 EXPECT_GT(nth, atLeast);
                 break;
@@ -124,7 +145,9 @@ End appendToAnEmptyList() {
     AsnList empty = {nullptr, nullptr, nullptr, 0, sizeof(void*)};
     const AsnList before = empty;
     const End end = endOf(appendElement(&empty));
-    if (end == End::Refused) { EXPECT_EQ(std::memcmp(&before, &empty, sizeof before), 0); }
+    if (end == End::Refused) {
+        EXPECT_EQ(std::memcmp(&before, &empty, sizeof before), 0);
+    }
     return end;
 }
 
@@ -165,7 +188,8 @@ Octets deepString(int depth, const char* outer, int pieces, const char* piece) {
     return hex(text);
 }
 
-template <auto decode, typename Value> End decodeString(const Octets& octets, int32_t length, int32_t (*lengthOf)(const Value&)) {
+template <auto decode, typename Value>
+End decodeString(const Octets& octets, int32_t length, int32_t (*lengthOf)(const Value&)) {
     ResetNibbleMem();
     Value value = {};
     AsnLen count = 0;
@@ -196,12 +220,20 @@ template <auto set> End sendPrice() {
     uint8_t block[256];
     ZynEncodeMemAlloc(0); // so that the Encode has its arena, as far as memory goes
     const uint32_t length = ZynTransRequestEncode("U1          ", &order, 426, block, sizeof block);
-    if (!price.decimals) { EXPECT_EQ(length, 0u); }
+    if (!price.decimals) {
+        EXPECT_EQ(length, 0u);
+    }
     return length > 0 ? End::Good : End::Refused;
 }
 
 void setNullPrice(AsnFixedReal* price) { ZynFixedRealSet(price, -99999999.0); }
 void setPrice(AsnFixedReal* price) { ZynFixedRealSetWithDecimals(price, 1.5, 2); }
+
+End decodeReply() {
+    const uint8_t octets[] = {0xA0, 0x00};
+    ZynTransRep reply;
+    return endOf(ZynTransReplyDecode(octets, sizeof octets, &reply));
+}
 
 End makeContext() {
     ZynContext* context = ZynContextNew();
@@ -228,7 +260,8 @@ template <auto encode> End encodeReply() {
 
 template <auto encode> End encodeRequest() {
     uint8_t block[64];
-    return lengthEnd(encode("U1          ", nullptr, 1000, block, sizeof block), 6); // no such alternative: the sender alone
+    return lengthEnd(encode("U1          ", nullptr, 1000, block, sizeof block),
+                     6); // no such alternative: the sender alone
 }
 
 TEST(Refusal, EveryCall) {
@@ -260,6 +293,7 @@ TEST(Refusal, EveryCall) {
         {"ZynTextStrDecode, set-up", 5, noArena, decodeText},
         {"ZynTransReplyEncode", 3, noArena, encodeReply<ZynTransReplyEncode>},
         {"ZynQueryReplyEncode", 3, noArena, encodeReply<ZynQueryReplyEncode>},
+        {"ZynTransReplyDecode", 3, noArena, decodeReply},
         {"ZynTransRequestEncode", 3, noArena, encodeRequest<ZynTransRequestEncode>},
         {"ZynQueryRequestEncode", 3, noArena, encodeRequest<ZynQueryRequestEncode>},
         {"OCTET STRING", 2, tinyArena, [] { return decodeOcts(hex("04 09 41 41 41 41 41 41 41 41 41"), 9); }},
@@ -295,7 +329,9 @@ TEST(Refusal, EveryMessage) {
                 const Octets& sent = octets[form / 2];
                 refuseEach(1, tinyArena, [&] {
                     const End end = endOf(channel.decode(sent.data(), static_cast<uint32_t>(sent.size()), message));
-                    if (end == End::Good) { EXPECT_EQ(difference(channel.choice, choice, choiceIn(channel, message)), ""); }
+                    if (end == End::Good) {
+                        EXPECT_EQ(difference(channel.choice, choice, choiceIn(channel, message)), "");
+                    }
                     return end;
                 });
             }
@@ -309,6 +345,19 @@ TEST(Refusal, EveryMessage) {
             ZynShutdown();
         }
     }
+}
+
+TEST(Refusal, BlocksBehindTheFirstAreGivenBackByAReset) {
+    ZynShutdown();
+    const int before = held;
+    ZynEncodeMemAlloc(8);
+    const int withOneBlock = held;
+    for (int i = 0; i < 3; ++i) ZynEncodeMemAlloc(20'000);
+    EXPECT_EQ(held, withOneBlock + 6);
+    ZynEncodeMemReset();
+    EXPECT_EQ(held, withOneBlock);
+    ZynShutdown();
+    EXPECT_EQ(held, before);
 }
 
 // Rounding such a size up to 8 has no room in 32 bits.

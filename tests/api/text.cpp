@@ -8,7 +8,12 @@
 namespace {
 
 TEST(TextSet, TrimsBlanksAtTheEndAndNothingElse) {
-    struct Row { const char* text; int32_t length; uint32_t expected; const char* reason; };
+    struct Row {
+        const char* text;
+        int32_t length;
+        uint32_t expected;
+        const char* reason;
+    };
     const Row rows[] = {
         {"", 0, 0, "an empty text is present"},
         {"AB  ", 0, 2, "length 0 looks for the closing 0, then trims"},
@@ -29,10 +34,14 @@ TEST(TextSet, TrimsBlanksAtTheEndAndNothingElse) {
 }
 
 TEST(TextGet, CutsAndPads) {
-    struct Row { const char* text; int32_t width; const char* expected; };
+    struct Row {
+        const char* text;
+        int32_t width;
+        const char* expected;
+    };
     const Row rows[] = {
-        {"ABCDEF", 4, "ABCD"}, {"AB", 4, "AB  "}, {"ABCDEF", 0, "ABCDEF"}, {"ABCDEF", -1, "ABCDEF"},
-        {nullptr, 3, "   "},   {nullptr, 0, ""},  {"", 2, "  "},           {"ABCD", 4, "ABCD"},
+        {"ABCDEF", 4, "ABCD"}, {"AB", 1, "A"},   {"AB", 4, "AB  "}, {"ABCDEF", 0, "ABCDEF"}, {"ABCDEF", -1, "ABCDEF"},
+        {nullptr, 3, "   "},   {nullptr, 0, ""}, {"", 2, "  "},     {"ABCD", 4, "ABCD"},
     };
     for (const Row& row : rows) {
         AsnOcts v;

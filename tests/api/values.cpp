@@ -20,7 +20,13 @@ template <typename Record> std::string contentOf(AsnLen (*encode)(SBuf*, Record*
 }
 
 TEST(FixedReal, WhatGoesOnTheWire) {
-    struct Row { double value; bool withDecimals; int32_t decimals; const char* octets; const char* reason; };
+    struct Row {
+        double value;
+        bool withDecimals;
+        int32_t decimals;
+        const char* octets;
+        const char* reason;
+    };
     const Row rows[] = {
         {nullMarker, false, 0, "09 00 02 01 FF", "the marker never travels: value 0, decimals -1"},
         {nullMarker, true, 2, "09 00 02 01 FF", "decimals are not looked at beside the marker"},
@@ -62,7 +68,8 @@ TEST(Lists, AppendInOrderAndCount) {
     EXPECT_EQ(ZynListCount(list), 0);
     EXPECT_EQ(contentOf(BEncZynPricePointListContent, list), "");
     for (int i = 0; i < 2; ++i) {
-        auto* row = static_cast<ZynUserUpdateActivityStatusSetOfSeq*>(ZynListAppend(list, sizeof(ZynUserUpdateActivityStatusSetOfSeq)));
+        auto* row = static_cast<ZynUserUpdateActivityStatusSetOfSeq*>(
+            ZynListAppend(list, sizeof(ZynUserUpdateActivityStatusSetOfSeq)));
         row->userIdx = i + 1;
     }
     EXPECT_EQ(ZynListCount(list), 2);

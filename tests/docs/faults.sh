@@ -7,7 +7,7 @@ trap 'rm -rf "$work"' EXIT
 failed=0
 whats=() says=()
 
-check() { "$python" -B "$root/tools/docs/check.py" --tool "$tool" --site "$1"; }
+check() { "$python" -B "$root/tools/docs/check.py" --tool "$tool" --source "$root" --site "$1"; }
 make() { "$python" -B "$root/tools/docs/make.py" --tool "$tool" --compiler "$compiler" --source "$1" --out "$2"; }
 
 # fault ROOT WHAT FILE EXPRESSION SAYS: changes ROOT/FILE by sed; that is to be named by a line with SAYS in it.
@@ -53,6 +53,7 @@ page 'an alternative of another number' channels/queries.html '/id="query-reply-
 page 'a code of another meaning' records/ZynOrderRep.html '/id="code-[0-9]+"/s/required/optional/' \
     'code -125 is not told as the library does'
 page 'no link back' records/ZynOrderTransfer.html 's/records\/ZynTransReqChoice.html//' 'no link to ZynTransReqChoice.orderTransfer'
+page 'a function without a word on it' headers/values.h.html '/^<span id="ZynListCount">/,/<pre>/{/<p>/d}' "nothing is said of ['ZynListCount']"
 page 'an octet turned' records/ZynOrderWithdraw.html 's/data-octets="30/data-octets="31/' 'the octets do not decode to the JSON'
 page 'other octets shown' records/ZynQuoteRep.html 's/(<pre class="octets">(<mark>)?)BF/\1BE/' \
     'the octets shown are not those of the example'

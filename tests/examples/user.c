@@ -20,9 +20,7 @@ static int decodeLogon(uint8_t* content, uint32_t length, ZynUserLogon* logon, A
     jmp_buf env;
     SBuf b = {content, content + length, content, content + length, content, 1, 0};
     switch (setjmp(env)) {
-    case 0:
-        BDecZynUserLogonContent(&b, (AsnTag)0xBF834700u, length, logon, used, env);
-        return 0;
+    case 0: BDecZynUserLogonContent(&b, (AsnTag)0xBF834700u, length, logon, used, env); return 0;
     case -20: return -20;
     default: return -1;
     }

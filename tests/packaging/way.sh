@@ -41,6 +41,7 @@ build_user() {
     loud cmake -S "$here/user" -B "$work/build" -G Ninja "$@"
     loud cmake --build "$work/build" -j 2
     run_in "$work/build"
+    shows "$work/build/values" "$version: 29 octets, a logon"
 }
 
 way_files() {
@@ -53,7 +54,7 @@ way_files() {
     done
     diff -r "$source/include/zyn" "$prefix/include/zyn"
     diff -r "$source/examples" "$prefix/share/doc/zyn/examples"
-    for file in "$source"/records/*.asn1; do cmp "$file" "$prefix/share/zyn/asn1/${file##*/}"; done
+    for file in "$source"/{records,asn1}/*.asn1; do cmp "$file" "$prefix/share/zyn/asn1/${file##*/}"; done
     head -n 1 "$prefix/share/doc/libzyn1/copyright" | cmp - "$source/COPYRIGHT"
     for file in "$prefix"/{bin/zyn,lib/*.so}; do
         [[ $(readelf -SW "$file") != *.debug_info* ]] || fail "not stripped: $file"
@@ -85,6 +86,25 @@ way_pkg-config() {
         loud cc -static -o "$work/$program-static" "$here/user/$program.c" $(pkg-config --static --cflags --libs $library)
     done
     run_in "$work"
+}
+
+# The packages have together what is installed, each file in one of them, and say what they need.
+way_packages() {
+    local package file packed=$work/packed
+    install
+    loud cpack --config "$build/CPackConfig.cmake" -G DEB -B "$packed" -D CPACK_DEBIAN_COMPRESSION_TYPE=none
+    for package in libzyn1 libzyn-dev zyn-tools; do
+        [[ $(dpkg-deb -f "$packed/${package}_$version"_*.deb Version) == "$version" ]] || fail "$package has another version"
+        dpkg-deb -x "$packed/${package}_$version"_*.deb "$work/$package"
+        cmp "$build/copyright" "$work/$package/usr/share/doc/$package/copyright"
+        (cd "$work/$package/usr" && find . -type f -o -type l) >>"$work/in-packages"
+    done
+    diff <(cd "$prefix" && find . -type f -o -type l | sort) <(sort "$work/in-packages")
+    for file in libzyn1/usr/lib/libzynjson.so.1 libzyn-dev/usr/lib/libzyn.so zyn-tools/usr/bin/zyn; do
+        [[ -e $work/$file || -L $work/$file ]] || fail "not there: $file"
+    done
+    [[ $(dpkg-deb -f "$packed"/libzyn1_*.deb Depends) == *libstdc++6* ]] || fail 'libzyn1 needs no libstdc++6'
+    [[ $(dpkg-deb -f "$packed"/libzyn-dev_*.deb Depends) == "libzyn1 (= $version)" ]] || fail 'libzyn-dev needs no libzyn1'
 }
 
 # The archive has all that git knows, builds where there is no git, and is taken in by FetchContent; what that unpacks, by

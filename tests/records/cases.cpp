@@ -68,8 +68,7 @@ Row parse(std::string line) {
     } else {
         row.code = std::stoi(outcome);
         row.message = text;
-        if (outcome != std::to_string(row.code) || row.code >= 0)
-            throw std::invalid_argument("has an unknown outcome");
+        if (outcome != std::to_string(row.code) || row.code >= 0) throw std::invalid_argument("has an unknown outcome");
     }
     return row;
 }
@@ -80,7 +79,9 @@ void checkMessage(const Row& row, TwoWays& ways) {
     EXPECT_EQ(ways.code, row.code);
     EXPECT_EQ(ways.reported, row.message);
     if (ways.code == 0 && row.code == 0) {
-        if (row.printed) { EXPECT_EQ(printed(row.type->id, message), row.text); }
+        if (row.printed) {
+            EXPECT_EQ(printed(row.type->id, message), row.text);
+        }
         const auto room = static_cast<uint32_t>(row.encoded.size());
         EXPECT_EQ(toHex(ways.encode(channel, userIn(channel, message), choiceIn(channel, message), room)),
                   toHex(row.encoded));
@@ -106,10 +107,11 @@ void checkRecord(const Row& row) {
     EXPECT_EQ(end.code, row.code);
     EXPECT_EQ(reported, row.message);
     if (end.code != 0 || row.code != 0) return;
-    if (row.printed) { EXPECT_EQ(printed(type.id, value), row.text); }
+    if (row.printed) {
+        EXPECT_EQ(printed(type.id, value), row.text);
+    }
     const Octets content = encodedContent(type.id, value);
-    EXPECT_EQ(toHex(type.shape == Shape::Choice ? content : Writer().element(tag, content)),
-              toHex(row.encoded));
+    EXPECT_EQ(toHex(type.shape == Shape::Choice ? content : Writer().element(tag, content)), toHex(row.encoded));
 }
 
 TEST(Cases, AllRows) {
@@ -127,7 +129,9 @@ TEST(Cases, AllRows) {
                 const Row row = parse(line);
                 if (row.type->message) checkMessage(row, ways);
                 else checkRecord(row);
-            } catch (const std::exception& error) { ADD_FAILURE() << "the row " << error.what(); }
+            } catch (const std::exception& error) {
+                ADD_FAILURE() << "the row " << error.what();
+            }
             ways.problem.clear();
             ++rows;
         }

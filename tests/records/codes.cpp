@@ -10,8 +10,7 @@
 namespace zyn::test {
 namespace {
 
-void readCells(const std::string& line, const std::string& module,
-               std::map<std::string, ListedRecord>& records) {
+void readCells(const std::string& line, const std::string& module, std::map<std::string, ListedRecord>& records) {
     std::istringstream cells(line);
     std::string name, due, stray, length;
     std::getline(cells >> std::ws, name, ' ');
@@ -23,8 +22,7 @@ void readCells(const std::string& line, const std::string& module,
     std::istringstream places(due);
     for (std::string place; std::getline(places >> std::ws, place, ',');) {
         const auto blank = place.find(" -");
-        if (blank != place.npos)
-            record.codes.emplace(place.substr(0, blank), std::stoi(place.substr(blank + 1)));
+        if (blank != place.npos) record.codes.emplace(place.substr(0, blank), std::stoi(place.substr(blank + 1)));
     }
     if (stray != " - ") record.codes.emplace("stray", std::stoi(stray));
     if (length != " -") record.codes.emplace("length", std::stoi(length));
@@ -64,8 +62,7 @@ RecordCodes computedCodes(const Type& type) {
     if (type.message) codes.emplace("outer", siteCode(type, Site::OuterTag));
     for (std::size_t i = 0; i < type.fields.size(); ++i) {
         const Field& field = type.fields[i];
-        if (field.wrapped)
-            codes.emplace(std::string("inner ") + field.name, siteCode(type, Site::InnerTag, i));
+        if (field.wrapped) codes.emplace(std::string("inner ") + field.name, siteCode(type, Site::InnerTag, i));
         if (!field.optional) codes.emplace(field.name, siteCode(type, Site::FieldTag, i));
     }
     codes.emplace("length", siteCode(type, Site::Length));
@@ -109,8 +106,7 @@ TEST(Codes, RecordsAndAlternativesAreComplete) {
         EXPECT_EQ(type.alternatives.size(), choice.count) << type.name;
         std::vector<uint32_t> numbers{0}, found;
         for (uint32_t n = choice.first; n <= choice.last; ++n) {
-            if (std::find(choice.holes.begin(), choice.holes.end(), n) == choice.holes.end())
-                numbers.push_back(n);
+            if (std::find(choice.holes.begin(), choice.holes.end(), n) == choice.holes.end()) numbers.push_back(n);
         }
         for (const Alternative& alternative : type.alternatives) found.push_back(alternative.number);
         EXPECT_EQ(found, numbers) << type.name;

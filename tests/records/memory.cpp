@@ -16,9 +16,9 @@ namespace zyn::test {
 namespace {
 
 // What is promised. Change docs/guarantees.md along with these.
-constexpr double promisedPerOctet = 14;      // bytes of arena
-constexpr double promisedOnce = 10'240;      // bytes of arena beside them
-constexpr double promisedStringTables = 24;  // bytes for each octet of the largest message so far
+constexpr double promisedPerOctet = 14;     // bytes of arena
+constexpr double promisedOnce = 10'240;     // bytes of arena beside them
+constexpr double promisedStringTables = 24; // bytes for each octet of the largest message so far
 constexpr double promisedStringTablesOnce = 4'096;
 
 // The direct way alone, given up or not.
@@ -54,7 +54,8 @@ protected:
 
     void expectWithin(const Channel& channel, const Octets& octets) {
         ASSERT_LE(static_cast<double>(held(channel, octets)), arenaBound().over(octets.size()))
-            << channel.name << ", " << octets.size() << " octets: " << toHex(octets.data(), std::min<std::size_t>(octets.size(), 64));
+            << channel.name << ", " << octets.size()
+            << " octets: " << toHex(octets.data(), std::min<std::size_t>(octets.size(), 64));
     }
 
     int32_t code = 0;
@@ -110,8 +111,8 @@ TEST_F(Memory, TheWorstMessagesReachTheBound) {
             }
         }
     }
-    std::cout << "arena: at most " << arenaBound().perOctet << " bytes an octet (" << typeOf(worstList()).name << ") and "
-              << arenaBound().once << " once; seen: " << worst << " an octet, by " << which << "\n";
+    std::cout << "arena: at most " << arenaBound().perOctet << " bytes an octet (" << typeOf(worstList()).name
+              << ") and " << arenaBound().once << " once; seen: " << worst << " an octet, by " << which << "\n";
     EXPECT_GE(worst, 0.9 * arenaBound().perOctet);
 }
 
@@ -166,10 +167,10 @@ TEST_F(Memory, StringTablesFollowTheLargestMessage) {
     std::size_t largest = 0;
     AsnOcts text;
     ZynShutdown();
-    for (const std::size_t size : {std::size_t{10}, std::size_t{100}, std::size_t{300}, std::size_t{5000}, justGrown,
-                                   std::size_t{400}}) {
-        for (const Octets& octets : {repeated({0x24, 0x80}, {0x04, 0x00}, size, {0x00, 0x00}),      // empty pieces
-                                     repeated({}, {0x24, 0x80}, size, {0x04, 0x00}),                // nested, never closed
+    for (const std::size_t size :
+         {std::size_t{10}, std::size_t{100}, std::size_t{300}, std::size_t{5000}, justGrown, std::size_t{400}}) {
+        for (const Octets& octets : {repeated({0x24, 0x80}, {0x04, 0x00}, size, {0x00, 0x00}), // empty pieces
+                                     repeated({}, {0x24, 0x80}, size, {0x04, 0x00}),           // nested, never closed
                                      repeated({0x24, 0x80}, {0x24, 0x80, 0x04, 0x00}, size, {})}) { // both
             largest = std::max(largest, octets.size());
             ZynTextStrDecode(octets.data(), static_cast<uint32_t>(octets.size()), &text);
@@ -179,7 +180,9 @@ TEST_F(Memory, StringTablesFollowTheLargestMessage) {
         }
     }
     std::cout << "string tables: seen " << worst << " bytes an octet of the largest message\n";
-    if (sizeof(void*) == 8) { EXPECT_GE(worst, 0.9 * promisedStringTables); }
+    if (sizeof(void*) == 8) {
+        EXPECT_GE(worst, 0.9 * promisedStringTables);
+    }
     ZynShutdown();
     EXPECT_EQ(heldByStringTables(), 0u);
 }

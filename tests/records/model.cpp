@@ -82,8 +82,7 @@ private:
         if (type == TypeId::AsnBits && length == 0) {
             throw Fault{-42, "BDecAsnBitsContent: ERROR - BIT STRING without content\n"};
         }
-        if (length > octets.size() - at)
-            throw std::logic_error("values are whole in what the model is asked");
+        if (length > octets.size() - at) throw std::logic_error("values are whole in what the model is asked");
         const auto start = octets.begin() + static_cast<std::ptrdiff_t>(at);
         at += length;
         Octets value(start, start + length);
@@ -107,9 +106,8 @@ private:
             if (closedBy(tag, length)) break;
             const uint32_t piece = readLength();
             if (tag != 0x04000000) {
-                throw Fault{-19,
-                            "BDecConsOctetString: ERROR - decoded non-OCTET STRING tag inside a constructed "
-                            "OCTET STRING\n"};
+                throw Fault{-19, "BDecConsOctetString: ERROR - decoded non-OCTET STRING tag inside a constructed "
+                                 "OCTET STRING\n"};
             }
             append(all, primitive(TypeId::AsnOcts, tag, piece));
         }
@@ -213,7 +211,9 @@ Outcome modelOf(TypeId type, AsnTag tag, uint32_t length, const Octets& octets) 
     try {
         Octets canonical = walk.content(typeOf(type), tag, length);
         return {0, "", std::move(canonical), walk.at};
-    } catch (const Fault& fault) { return {fault.code, fault.message, {}, 0}; }
+    } catch (const Fault& fault) {
+        return {fault.code, fault.message, {}, 0};
+    }
 }
 
 } // namespace zyn::test

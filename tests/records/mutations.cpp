@@ -33,13 +33,12 @@ protected:
         if (got.code != expected.code)
             problem = "code " + std::to_string(got.code) + " for " + std::to_string(expected.code);
         else if (got.messages != expected.message) problem = "message " + got.messages;
-        else if (expected.code == 0 && got.read != expected.read)
-            problem = "count " + std::to_string(got.read);
+        else if (expected.code == 0 && got.read != expected.read) problem = "count " + std::to_string(got.read);
         else if (expected.code == 0 && encodedContent(type.id, got.value) != expected.canonical)
             problem = "other values";
         if (problem.empty() || ++problems > mostProblems) return;
-        ADD_FAILURE() << type.name << ", " << what << ", length " << static_cast<int32_t>(length) << ": "
-                      << problem << "\n"
+        ADD_FAILURE() << type.name << ", " << what << ", length " << static_cast<int32_t>(length) << ": " << problem
+                      << "\n"
                       << toHex(octets);
     }
 
@@ -139,13 +138,13 @@ TEST_F(Mutations, EveryChoice) {
             Octets content = Writer().content(type.id, sampler.make(type.id, row));
             const Head head = takeHead(type, content);
             expect(type, head.tag, head.length, content, row.name);
-            const AsnTag wrong[] = {
-                head.tag ^ 0x40000000,                                           // another class
-                head.tag ^ (tagOctets(head.tag) == 1 ? 0x10000000 : 0x00000100), // another number
-                0xBF000000 | static_cast<AsnTag>(row.number & 0x7F) << 16, // the high form, or too short
-                0x30000000,
-                0x04000000,
-                0x00000000};
+            const AsnTag wrong[] = {head.tag ^ 0x40000000,                                           // another class
+                                    head.tag ^ (tagOctets(head.tag) == 1 ? 0x10000000 : 0x00000100), // another number
+                                    0xBF000000 | static_cast<AsnTag>(row.number & 0x7F)
+                                                     << 16, // the high form, or too short
+                                    0x30000000,
+                                    0x04000000,
+                                    0x00000000};
             for (const AsnTag tag : wrong) {
                 const Outcome foreign = modelOf(type.id, tag, 0, {});
                 if (foreign.message.starts_with("ERROR - unexpected tag"))

@@ -124,9 +124,8 @@ TEST_F(Printing, WorkedExamples) {
     ZynTransRep reply{};
     reply.choiceId = 17;
     reply.replyBad = &bad;
-    EXPECT_EQ(
-        written([&](FILE* f) { PrintZynTransRep(f, &reply, 0); }),
-        "replyBad { -- SEQUENCE --\n        infoMessage '6e6f'H  -- \"no\" --,\n        replyHint 3\n    }");
+    EXPECT_EQ(written([&](FILE* f) { PrintZynTransRep(f, &reply, 0); }),
+              "replyBad { -- SEQUENCE --\n        infoMessage '6e6f'H  -- \"no\" --,\n        replyHint 3\n    }");
     AsnSequenceContext absent{};
     EXPECT_EQ(written([&](FILE* f) { PrintAsnSequenceContext(f, &absent, 2); }), "{ -- SEQUENCE --\n\n  }");
     ZynNull empty{};

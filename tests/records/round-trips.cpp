@@ -27,8 +27,7 @@ std::string decodesTo(const Type& type, Octets content, const void* sent) {
     const Head head = takeHead(type, content);
     const Decoded decoded = decodedContent(type.id, head.tag, head.length, content);
     if (decoded.code != 0) return "code " + std::to_string(decoded.code) + " of " + toHex(content);
-    if (decoded.read != content.size())
-        return "count " + std::to_string(decoded.read) + " of " + toHex(content);
+    if (decoded.read != content.size()) return "count " + std::to_string(decoded.read) + " of " + toHex(content);
     return difference(type.id, sent, decoded.value);
 }
 
@@ -61,17 +60,17 @@ TEST(RoundTrips, FullBuffer) {
             const AsnLen written = encodeContent(&b, type.id, value);
             if (written != length)
                 return "returned " + std::to_string(written) + " with room for " + std::to_string(room);
-            if ((b.writeError != 0) != (room < length))
-                return "writeError with room for " + std::to_string(room);
+            if ((b.writeError != 0) != (room < length)) return "writeError with room for " + std::to_string(room);
         }
         return "";
     });
 }
 
 // The exported operations of some types, of each shape, are the walkers that the other tests call.
-template <typename T> void expectExported(TypeId type, AsnLen (*encode)(SBuf*, T*),
-                                          void (*decode)(SBuf*, AsnTag, AsnLen, T*, AsnLen*, jmp_buf),
-                                          void (*print)(FILE*, T*, unsigned short), void (*release)(T*)) {
+template <typename T>
+void expectExported(TypeId type, AsnLen (*encode)(SBuf*, T*),
+                    void (*decode)(SBuf*, AsnTag, AsnLen, T*, AsnLen*, jmp_buf),
+                    void (*print)(FILE*, T*, unsigned short), void (*release)(T*)) {
     Sampler sampler(7, {100, 20, 3});
     auto* sent = static_cast<T*>(sampler.make(type));
     uint8_t block[4096];

@@ -15,8 +15,7 @@ namespace {
 const std::string user = "TRADER01    ";
 constexpr uint32_t spareRoom = 256; // octets; the direct way wants some to spare
 
-template <typename Check>
-void forAllMessages(uint32_t seeds, std::initializer_list<Taste> tastes, Check&& check) {
+template <typename Check> void forAllMessages(uint32_t seeds, std::initializer_list<Taste> tastes, Check&& check) {
     for (const Channel& channel : channels) {
         for (const Alternative& row : typeOf(channel.choice).alternatives) {
             for (uint32_t seed = 0; seed < seeds; ++seed) {
@@ -30,9 +29,7 @@ void forAllMessages(uint32_t seeds, std::initializer_list<Taste> tastes, Check&&
     }
 }
 
-std::string beginning(const Octets& octets) {
-    return toHex(octets.data(), std::min<std::size_t>(octets.size(), 2000));
-}
+std::string beginning(const Octets& octets) { return toHex(octets.data(), std::min<std::size_t>(octets.size(), 2000)); }
 
 class TwoWaysTest : public testing::Test {
 protected:
@@ -49,7 +46,9 @@ protected:
         const void* message = ways.decode(channel, octets);
         ASSERT_EQ(ways.code, 0) << ways.reported << beginning(octets);
         EXPECT_EQ(difference(channel.choice, choice, choiceIn(channel, message)), "");
-        if (channel.isRequest()) { EXPECT_EQ(userIn(channel, message), user); }
+        if (channel.isRequest()) {
+            EXPECT_EQ(userIn(channel, message), user);
+        }
         ASSERT_EQ(ways.problem, "") << beginning(octets);
     }
 
@@ -71,24 +70,22 @@ protected:
 TEST_F(TwoWaysTest, CanonicalMessagesGoTheDirectWay) {
     forAllMessages(9, {{50, 300, 4}, {100, 300, 4}, {0, 300, 4}},
                    [&](auto& channel, auto* choice, const Octets& octets) {
-        sendDirectly(channel, choice, octets);
-        Octets two = octets;
-        append(two, octets);
-        receive(channel, choice, two);
-        EXPECT_TRUE(ways.direct) << "octets behind the message do not count";
-    });
+                       sendDirectly(channel, choice, octets);
+                       Octets two = octets;
+                       append(two, octets);
+                       receive(channel, choice, two);
+                       EXPECT_TRUE(ways.direct) << "octets behind the message do not count";
+                   });
 }
 
 TEST_F(TwoWaysTest, RoomIsUsedToTheLastOctet) {
     forAllMessages(4, {{50, 40, 3}, {100, 300, 4}}, [&](auto& channel, auto* choice, const Octets& octets) {
         const auto length = static_cast<uint32_t>(octets.size());
         for (uint32_t spare = 0; spare < 150; spare += spare < 20 ? 1 : 13) {
-            ASSERT_EQ(ways.encode(channel, user, choice, length + spare), octets)
-                << spare << " octets to spare";
+            ASSERT_EQ(ways.encode(channel, user, choice, length + spare), octets) << spare << " octets to spare";
         }
         for (uint32_t room = 0; room < length; room += length < 100 || room + 20 > length ? 1 : length / 20) {
-            ASSERT_TRUE(ways.encode(channel, user, choice, room).empty())
-                << "room for " << room << " of " << length;
+            ASSERT_TRUE(ways.encode(channel, user, choice, room).empty()) << "room for " << room << " of " << length;
         }
         ASSERT_EQ(ways.problem, "");
     });
@@ -100,8 +97,7 @@ TEST_F(TwoWaysTest, OtherForms) {
     uint32_t seed = 0, directly = 0;
     forAllMessages(16, {{50, 60, 3}, {100, 20, 2}}, [&](auto& channel, auto* choice, const Octets&) {
         ++seed;
-        receive(channel, choice,
-                messageOf(channel, user, choice, Writer(forms[seed % std::size(forms)], seed)));
+        receive(channel, choice, messageOf(channel, user, choice, Writer(forms[seed % std::size(forms)], seed)));
         directly += ways.direct;
     });
     EXPECT_GT(directly, 100u) << "long lengths alone do not keep a message from the direct way";
@@ -110,8 +106,7 @@ TEST_F(TwoWaysTest, OtherForms) {
 TEST_F(TwoWaysTest, MessagesThatLackOctets) {
     forAllMessages(4, {{50, 20, 2}, {100, 10, 2}}, [&](auto& channel, auto* choice, const Octets& octets) {
         for (std::size_t length = octets.size() % onePatternIn(); length < octets.size(); length += onePatternIn()) {
-            receiveAnything(channel,
-                            Octets(octets.begin(), octets.begin() + static_cast<std::ptrdiff_t>(length)));
+            receiveAnything(channel, Octets(octets.begin(), octets.begin() + static_cast<std::ptrdiff_t>(length)));
         }
         receive(channel, choice, octets);
     });
@@ -120,13 +115,12 @@ TEST_F(TwoWaysTest, MessagesThatLackOctets) {
 
 TEST_F(TwoWaysTest, MessagesWithOneOctetChanged) {
     Random random(1);
-    forAllMessages(3, {{60, 12, 2}, {100, 5, 1}, {30, 20, 3}},
-                   [&](auto& channel, auto* choice, const Octets& octets) {
+    forAllMessages(3, {{60, 12, 2}, {100, 5, 1}, {30, 20, 3}}, [&](auto& channel, auto* choice, const Octets& octets) {
         Octets changed = octets;
         for (std::size_t i = below(random, onePatternIn()); i < octets.size(); i += onePatternIn()) {
             const uint8_t was = octets[i];
-            for (const unsigned now : {was ^ 0x01u, was ^ 0x20u, was ^ 0x80u, was + 1u, was - 1u, 0x00u,
-                                       0x80u, 0x84u, 0xFFu, below(random, 256)}) {
+            for (const unsigned now : {was ^ 0x01u, was ^ 0x20u, was ^ 0x80u, was + 1u, was - 1u, 0x00u, 0x80u, 0x84u,
+                                       0xFFu, below(random, 256)}) {
                 changed[i] = static_cast<uint8_t>(now);
                 receiveAnything(channel, changed);
             }
@@ -143,19 +137,28 @@ TEST_F(TwoWaysTest, MessagesWithWrongElements) {
     uint32_t seed = 0;
     forAllMessages(120 / onePatternIn(), {{50, 12, 2}, {100, 12, 2}, {10, 12, 2}},
                    [&](auto& channel, auto* choice, const Octets& octets) {
-        const Forms forms = ++seed % 4 == 0 ? Forms{5, 5, 5, 5, 20} : Forms{0, 0, 0, 0, 20};
-        receiveAnything(channel, messageOf(channel, user, choice, Writer(forms, seed)));
-        if (seed % 16 == 0) receive(channel, choice, octets);
-    });
+                       const Forms forms = ++seed % 4 == 0 ? Forms{5, 5, 5, 5, 20} : Forms{0, 0, 0, 0, 20};
+                       receiveAnything(channel, messageOf(channel, user, choice, Writer(forms, seed)));
+                       if (seed % 16 == 0) receive(channel, choice, octets);
+                   });
     EXPECT_GT(accepted, 1000u / onePatternIn());
     EXPECT_GT(refused, 1000u / onePatternIn());
 }
 
 // One element after the other holds something else, and all lengths fit.
 TEST_F(TwoWaysTest, MessagesWithTheContentOfOneElementChanged) {
-    const Octets contents[] = {{}, {0x01}, {0x80}, {0x30, 0x00}, {0x02, 0x00}, {0x02, 0x01, 0x07}, {0x04, 0x01, 0x07},
-                               {0x02, 0x02, 0x07}, {0x02, 0x04, 0x01, 0x02, 0x03, 0x04}, {0x80, 0x01, 0x02, 0x03, 0x04},
-                               {0x02, 0x01, 0x07, 0x05, 0x00}, {0x02, 0x05, 0x01, 0x02, 0x03, 0x04, 0x05}};
+    const Octets contents[] = {{},
+                               {0x01},
+                               {0x80},
+                               {0x30, 0x00},
+                               {0x02, 0x00},
+                               {0x02, 0x01, 0x07},
+                               {0x04, 0x01, 0x07},
+                               {0x02, 0x02, 0x07},
+                               {0x02, 0x04, 0x01, 0x02, 0x03, 0x04},
+                               {0x80, 0x01, 0x02, 0x03, 0x04},
+                               {0x02, 0x01, 0x07, 0x05, 0x00},
+                               {0x02, 0x05, 0x01, 0x02, 0x03, 0x04, 0x05}};
     const auto changeEach = [&](auto& self, const Channel& channel, Elements& message, Elements& level) -> void {
         for (Element& element : level) {
             const Element was = element;
@@ -217,8 +220,7 @@ TEST_F(TwoWaysTest, NothingOfAFailedDecodeReachesTheNext) {
 TEST_F(TwoWaysTest, LargeMessages) {
     std::size_t longest = 0;
     constexpr Taste tastes[] = {{60, 300, 120}, {100, 64, 300}, {20, 300, 300}};
-    forAllMessages(6, {tastes[0], tastes[1], tastes[2]},
-                   [&](auto& channel, auto* choice, const Octets& octets) {
+    forAllMessages(6, {tastes[0], tastes[1], tastes[2]}, [&](auto& channel, auto* choice, const Octets& octets) {
         if (octets.size() < 1000) return;
         sendDirectly(channel, choice, octets);
         longest = std::max(longest, octets.size());
@@ -243,8 +245,7 @@ TEST_F(TwoWaysTest, LongTexts) {
         const Octets octets = messageOf(channels[2], user, &choice);
         sendDirectly(channels[2], &choice, octets);
         EXPECT_EQ(ways.encode(channels[2], user, &choice, static_cast<uint32_t>(octets.size())), octets);
-        EXPECT_TRUE(
-            ways.encode(channels[2], user, &choice, static_cast<uint32_t>(octets.size()) - 1).empty());
+        EXPECT_TRUE(ways.encode(channels[2], user, &choice, static_cast<uint32_t>(octets.size()) - 1).empty());
         ASSERT_EQ(ways.problem, "");
         if (HasFailure()) return;
     }
@@ -278,8 +279,7 @@ TEST_F(TwoWaysTest, WhatCannotBeSent) {
                 const ChoiceRecord* choice = sampler.make(channel.choice, row);
                 void* member = memberOf(choice->slot, field);
                 if (set && !field.optional) std::memset(member, 0, sizeof(void*));
-                else if (field.kind == Kind::Octs && !field.optional)
-                    *static_cast<AsnOcts*>(member) = {1, nullptr};
+                else if (field.kind == Kind::Octs && !field.optional) *static_cast<AsnOcts*>(member) = {1, nullptr};
                 else if (field.kind == Kind::Bits) static_cast<AsnBits*>(member)->bitLen = -1;
                 else if (field.kind == Kind::Real) *static_cast<AsnReal*>(member) = std::nan("");
                 else if (field.type == TypeId::AsnFixedReal || field.type == TypeId::AsnLongInt) {

@@ -92,8 +92,8 @@ struct Reference {
 // Octets that often fit together: tags and lengths of few values.
 std::vector<uint8_t> randomComponents(std::mt19937& random, uint8_t type) {
     const uint8_t nested = type | 0x20;
-    const uint8_t choice[] = {type, type, type, nested, nested, 0x80, 0, 0, 0, 1, 1, 2, 3, 4, 5, 8, 0x81, 0x84, 0x85,
-                              0xFF, 0xBF};
+    const uint8_t choice[] = {type, type, type, nested, nested, 0x80, 0,    0,    0,    1,   1,
+                              2,    3,    4,    5,      8,      0x81, 0x84, 0x85, 0xFF, 0xBF};
     std::vector<uint8_t> octets(random() % 24);
     for (uint8_t& octet : octets) octet = choice[random() % std::size(choice)];
     octets.shrink_to_fit();
@@ -139,7 +139,8 @@ TEST_F(Constructed, SweepAgreesWithTheRecursiveRule) {
         ASSERT_EQ(toHex(isBits ? bits.bits : octs.octs, expected.out.size()), toHex(expected.out));
     }
     for (const int code : {0, -1, -2, -3, -13, -14, -15, -18, -19, -25, -26, -28, -43}) {
-        EXPECT_GT(reached[static_cast<std::size_t>(-code)], 50u / onePatternIn()) << "the sweep hardly meets code " << code;
+        EXPECT_GT(reached[static_cast<std::size_t>(-code)], 50u / onePatternIn())
+            << "the sweep hardly meets code " << code;
     }
 }
 
@@ -160,7 +161,10 @@ TEST_F(Constructed, DefiniteLengthsToAnyDepth) {
 }
 
 TEST_F(Constructed, TheStackGrowsOnePieceBeyondEachStep) {
-    struct Row { unsigned pieces; uint32_t elements; };
+    struct Row {
+        unsigned pieces;
+        uint32_t elements;
+    };
     for (const Row& row : {Row{1, 128}, {128, 128}, {129, 192}, {192, 192}, {193, 256}, {1, 256}, {1000, 1024}}) {
         std::vector<uint8_t> octets = {0x24, 0x80};
         for (unsigned i = 0; i < row.pieces; ++i) octets.insert(octets.end(), {0x04, 0x01, static_cast<uint8_t>(i)});

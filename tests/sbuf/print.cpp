@@ -41,6 +41,8 @@ TEST(Print, Values) {
     uint8_t bits[] = {0xAB, 0xCF};
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {12, bits}), "'abcf'H") << "spare bits as they stand";
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {0, bits}), "''H");
+    EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {-8, bits}), "''H");
+    EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {8, nullptr}), "''H") << "an absent string has no bits";
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {8, bits}), "'ab'H");
 }
 

@@ -135,9 +135,18 @@ protected:
 
 TEST_F(Real, WorkedEncodings) {
     const std::pair<double, const char*> rows[] = {
-        {0.0, ""}, {-0.0, ""}, {1.0, "80 F9 80"}, {-1.0, "C0 F9 80"}, {0.5, "80 F8 80"}, {3.0, "80 FA C0"},
-        {100.0, "80 FF C8"}, {1234.5, "80 FB 9A 50"}, {0.1, "80 C5 CC CC CC CC CC CC D0"},
-        {1e300, "81 03 AD BF 21 E4 40 03 AC E0"}, {1000.0, "80 02 FA"}, {5e-324, "81 FB C7 80"},
+        {0.0, ""},
+        {-0.0, ""},
+        {1.0, "80 F9 80"},
+        {-1.0, "C0 F9 80"},
+        {0.5, "80 F8 80"},
+        {3.0, "80 FA C0"},
+        {100.0, "80 FF C8"},
+        {1234.5, "80 FB 9A 50"},
+        {0.1, "80 C5 CC CC CC CC CC CC D0"},
+        {1e300, "81 03 AD BF 21 E4 40 03 AC E0"},
+        {1000.0, "80 02 FA"},
+        {5e-324, "81 FB C7 80"},
         {1.7976931348623157e308, "81 03 C8 FF FF FF FF FF FF F8"},
     };
     for (auto [value, octets] : rows) {
@@ -152,17 +161,34 @@ TEST_F(Real, WorkedEncodings) {
 }
 
 TEST_F(Real, WorkedDecodings) {
-    const struct { const char* octets; double value; int code; } rows[] = {
-        {"A0 FE 10", 0.0625, 0}, {"90 01 03", 24.0, 0}, {"88 00 03", 12.0, 0}, {"83 01 FE 03", 0.75, 0},
-        {"82 00 00 01 03", 6.0, 0}, {"40", 0.0, 0}, {"41", 0.0, 0}, {"42", 0, -22}, {"43", 0, -22},
-        {"41 00", 0, -24}, {"03 31 2E 45", 0, -24}, {"B0 00 01", 0, -23}, {"83 00 01 02", 0, -44},
-        {"B3 00 01 02", 0, -23}, {"81 FB C7 80", 0.0, 0},
+    const struct {
+        const char* octets;
+        double value;
+        int code;
+    } rows[] = {
+        {"A0 FE 10", 0.0625, 0},
+        {"90 01 03", 24.0, 0},
+        {"88 00 03", 12.0, 0},
+        {"83 01 FE 03", 0.75, 0},
+        {"82 00 00 01 03", 6.0, 0},
+        {"40", 0.0, 0},
+        {"41", 0.0, 0},
+        {"42", 0, -22},
+        {"43", 0, -22},
+        {"41 00", 0, -24},
+        {"03 31 2E 45", 0, -24},
+        {"B0 00 01", 0, -23},
+        {"83 00 01 02", 0, -44},
+        {"B3 00 01 02", 0, -23},
+        {"81 FB C7 80", 0.0, 0},
     };
     for (const auto& row : rows) {
         const auto octets = hex(row.octets);
         const Decoded d = decodedContent(octets.data(), octets.size(), static_cast<AsnLen>(octets.size()));
         EXPECT_EQ(d.code, row.code) << row.octets;
-        if (row.code == 0) { EXPECT_EQ(d.value, row.value) << row.octets; }
+        if (row.code == 0) {
+            EXPECT_EQ(d.value, row.value) << row.octets;
+        }
     }
     const auto octets = hex("81 00 05");
     const Decoded d = decodedContent(octets.data(), 3, 2);
@@ -231,11 +257,13 @@ TEST_F(Real, EncodesAsFrexpWould) {
         if (value == 0.0) return;
         // Comes back bit for bit, unless its exponent on the wire is below that of the smallest double.
         const Decoded d = decodedContent(octets.data(), octets.size(), static_cast<AsnLen>(octets.size()));
-        const int32_t exponent = octets[0] & 1 ? static_cast<int16_t>(octets[1] << 8 | octets[2]) : static_cast<int8_t>(octets[1]);
+        const int32_t exponent =
+            octets[0] & 1 ? static_cast<int16_t>(octets[1] << 8 | octets[2]) : static_cast<int8_t>(octets[1]);
         ASSERT_EQ(bitsOf(d.value), exponent >= -1074 ? bitsOf(value) : bitsOf(value < 0 ? -0.0 : 0.0)) << value;
     };
     for (uint64_t exponent = 0; exponent < 2047; ++exponent) {
-        for (const uint64_t significand : {uint64_t{0}, uint64_t{1}, uint64_t{1} << 51, (uint64_t{1} << 52) - 1, random() >> 12}) {
+        for (const uint64_t significand :
+             {uint64_t{0}, uint64_t{1}, uint64_t{1} << 51, (uint64_t{1} << 52) - 1, random() >> 12}) {
             check(std::bit_cast<double>(exponent << 52 | significand));
             check(-std::bit_cast<double>(exponent << 52 | significand));
         }
@@ -252,9 +280,11 @@ TEST_F(Real, DecodesAsPowWould) {
         octets.resize(random() % 16);
         for (uint8_t& octet : octets) octet = static_cast<uint8_t>(random() >> 32);
         if (!octets.empty() && random() % 4) octets[0] |= 0x80;
-        if (octets.size() > 1 && random() % 2) octets[1] = static_cast<uint8_t>(random() % 2 ? random() % 8 : 0xF8 + random() % 8);
+        if (octets.size() > 1 && random() % 2)
+            octets[1] = static_cast<uint8_t>(random() % 2 ? random() % 8 : 0xF8 + random() % 8);
         const auto lengths = random() % 8;
-        const auto length = static_cast<AsnLen>(lengths == 0 ? random() % 300 : octets.size() - std::min<size_t>(octets.size(), lengths == 1));
+        const auto length = static_cast<AsnLen>(
+            lengths == 0 ? random() % 300 : octets.size() - std::min<size_t>(octets.size(), lengths == 1));
         expectAsReference(octets, length);
     }
 }

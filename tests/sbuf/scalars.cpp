@@ -13,7 +13,8 @@ template <typename Decode> std::string outcome(const char* octets, Decode decode
     AsnLen counted = 0;
     long long value = 0;
     const Caught result = caught([&](jmp_buf env) { value = decode(&b, &counted, env); });
-    if (result.code != 0) return std::to_string(result.code) + " " + (result.messages.empty() ? "" : result.messages[0]);
+    if (result.code != 0)
+        return std::to_string(result.code) + " " + (result.messages.empty() ? "" : result.messages[0]);
     return std::to_string(value) + " counted " + std::to_string(counted) + " at " +
            std::to_string(b.readLoc - b.dataStart);
 }
@@ -62,9 +63,11 @@ TEST(Tag, Decoding) {
 
 TEST(EndOfContents, Decoding) {
     const char* message = "-16 BDecEoc: ERROR - non zero byte in EOC or end of data reached\n";
-    const Row rows[] = {{"00 00", "0 counted 2 at 2"}, {"00 01", message}, {"01 00", message}, {"00", message}, {"", message}};
+    const Row rows[] = {
+        {"00 00", "0 counted 2 at 2"}, {"00 01", message}, {"01 00", message}, {"00", message}, {"", message}};
     for (const Row& row : rows) {
-        EXPECT_EQ(outcome(row.octets, [](SBuf* b, AsnLen* n, jmp_buf env) { return BDecEoc(b, n, env), 0; }), row.expected)
+        EXPECT_EQ(outcome(row.octets, [](SBuf* b, AsnLen* n, jmp_buf env) { return BDecEoc(b, n, env), 0; }),
+                  row.expected)
             << row.octets;
     }
 }
@@ -153,10 +156,17 @@ template <typename Encode> std::string encoded(Encode encode) {
 
 TEST(Scalars, Encoding) {
     const std::pair<int64_t, const char*> integers[] = {
-        {0, "02 01 00"},          {127, "02 01 7F"},         {128, "02 02 00 80"},
-        {256, "02 02 01 00"},     {-128, "02 01 80"},        {-129, "02 02 FF 7F"},
-        {32767, "02 02 7F FF"},   {32768, "02 03 00 80 00"}, {8388608, "02 04 00 80 00 00"},
-        {INT32_MAX, "02 04 7F FF FF FF"}, {INT32_MIN, "02 04 80 00 00 00"},
+        {0, "02 01 00"},
+        {127, "02 01 7F"},
+        {128, "02 02 00 80"},
+        {256, "02 02 01 00"},
+        {-128, "02 01 80"},
+        {-129, "02 02 FF 7F"},
+        {32767, "02 02 7F FF"},
+        {32768, "02 03 00 80 00"},
+        {8388608, "02 04 00 80 00 00"},
+        {INT32_MAX, "02 04 7F FF FF FF"},
+        {INT32_MIN, "02 04 80 00 00 00"},
     };
     for (auto [value, octets] : integers) {
         auto v = static_cast<AsnInt>(value);
@@ -165,7 +175,8 @@ TEST(Scalars, Encoding) {
         auto u = static_cast<UAsnInt>(value);
         EXPECT_EQ(encoded([&](SBuf* b) { return BEncUAsnInt(b, &u); }), octets);
     }
-    for (auto [value, octets] : {std::pair{0x80000000u, "02 05 00 80 00 00 00"}, {0xFFFFFFFFu, "02 05 00 FF FF FF FF"}}) {
+    for (auto [value, octets] :
+         {std::pair{0x80000000u, "02 05 00 80 00 00 00"}, {0xFFFFFFFFu, "02 05 00 FF FF FF FF"}}) {
         UAsnInt u = value;
         EXPECT_EQ(encoded([&](SBuf* b) { return BEncUAsnInt(b, &u); }), octets);
     }
@@ -174,8 +185,16 @@ TEST(Scalars, Encoding) {
         EXPECT_EQ(encoded([&](SBuf* b) { return BEncAsnBool(b, &v); }), octets);
     }
     const std::pair<AsnLen, const char*> lengths[] = {
-        {0, "00"}, {127, "7F"}, {128, "81 80"}, {255, "81 FF"}, {256, "82 01 00"}, {65535, "82 FF FF"},
-        {65536, "83 01 00 00"}, {16777215, "83 FF FF FF"}, {16777216, "84 01 00 00 00"}, {0x7FFFFFFF, "84 7F FF FF FF"},
+        {0, "00"},
+        {127, "7F"},
+        {128, "81 80"},
+        {255, "81 FF"},
+        {256, "82 01 00"},
+        {65535, "82 FF FF"},
+        {65536, "83 01 00 00"},
+        {16777215, "83 FF FF FF"},
+        {16777216, "84 01 00 00 00"},
+        {0x7FFFFFFF, "84 7F FF FF FF"},
         {0xFFFFFFFF, "84 FF FF FF FF"},
     };
     for (auto [length, octets] : lengths) {

@@ -86,11 +86,12 @@ TEST_F(Strings, ComponentsMayRunOverADefiniteEnd) {
 }
 
 TEST_F(Strings, BitStrings) {
-    const char* notLast =
-        "-1 FillBitStringStk: ERROR - a component of a constructed BIT STRING that is not the last has non-zero unused bits\n";
+    const char* notLast = "-1 FillBitStringStk: ERROR - a component of a constructed BIT STRING that is not the last "
+                          "has non-zero unused bits\n";
     const char* cut = "-4 BDecAsnBitsContent: ERROR - decoded past end of data\n";
     const char* componentCut = "-2 FillBitStringStk: ERROR - expecting more data\n";
-    const char* componentTag = "-3 FillBitStringStk: ERROR - decoded non-BIT STRING tag inside a constructed BIT STRING\n";
+    const char* componentTag =
+        "-3 FillBitStringStk: ERROR - decoded non-BIT STRING tag inside a constructed BIT STRING\n";
     const char* unused = "-43 BDecAsnBitsContent: ERROR - impossible count of unused bits\n";
     const Row rows[] = {
         {"03 02 04 F0", "4: F0"},
@@ -146,6 +147,31 @@ TEST_F(Strings, Encoding) {
     EXPECT_EQ(b.writeError, 1);
 }
 
+TEST_F(Strings, WithoutAnArenaThereIsNoMemory) {
+    ShutdownNibbleMem();
+    EXPECT_EQ(octets(hex("04 01 41")), "-27 ");
+    EXPECT_EQ(bits(hex("03 02 00 41")), "-27 ");
+}
+
+// A buffer that has failed stays so, even where octets follow.
+TEST_F(Strings, AFailedBufferGivesNothing) {
+    auto data = hex("00 00 04 01 41");
+    const auto code = [&](auto decode) {
+        SBuf b = readingBuffer(data.data(), data.size());
+        b.readError = 1;
+        AsnLen counted = 0;
+        AsnOcts v{};
+        return caught([&](jmp_buf env) { decode(&b, &v, &counted, env); }).code;
+    };
+    EXPECT_EQ(code([](SBuf* b, AsnOcts*, AsnLen* n, jmp_buf env) { BDecEoc(b, n, env); }), -16);
+    EXPECT_EQ(
+        code([](SBuf* b, AsnOcts* v, AsnLen* n, jmp_buf env) { BDecAsnOctsContent(b, 0x24000000, 5, v, n, env); }),
+        -26);
+    EXPECT_EQ(
+        code([](SBuf* b, AsnOcts* v, AsnLen* n, jmp_buf env) { BDecAsnOctsContent(b, 0x04000000, 5, v, n, env); }),
+        -20);
+}
+
 TEST_F(Strings, TheStackGrowsInStepsAndStays) {
     std::string pieces;
     for (int i = 0; i < 200; ++i) pieces += "04 01 41 ";
@@ -187,15 +213,33 @@ TEST(BitOperations, StayInsideTheString) {
         ClrAsnBit(&v, beyond);
         EXPECT_EQ(GetAsnBit(&v, beyond), 0) << beyond;
     }
+    for (const int32_t none : {0, -1, INT32_MIN}) {
+        v.bitLen = none;
+        SetAsnBit(&v, 0);
+        EXPECT_EQ(GetAsnBit(&v, 3), 0) << none;
+    }
+    FreeAsnBits(&v);
     EXPECT_EQ(toHex(octets, 2), "00 1F");
 }
 
 TEST(Equivalence, AllBitsAndNoOthers) {
-    struct Pair { int32_t len1; std::vector<uint8_t> bits1; int32_t len2; std::vector<uint8_t> bits2; int equal; };
+    struct Pair {
+        int32_t len1;
+        std::vector<uint8_t> bits1;
+        int32_t len2;
+        std::vector<uint8_t> bits2;
+        int equal;
+    };
     Pair rows[] = {
-        {0, {0xFF}, 0, {0x00}, 1}, {8, {0xAB}, 8, {0xAB}, 1},   {8, {0xAB}, 7, {0xAB}, 0},
-        {4, {0xAF}, 4, {0xA0}, 1}, {5, {0xAF}, 5, {0xA0}, 0},   {12, {0x11, 0xAF}, 12, {0x11, 0xA0}, 1},
-        {12, {0x11, 0xA0}, 12, {0x12, 0xA0}, 0}, {12, {0x11, 0xB0}, 12, {0x11, 0xA0}, 0}, {1, {0x80}, 1, {0x00}, 0},
+        {0, {0xFF}, 0, {0x00}, 1},
+        {8, {0xAB}, 8, {0xAB}, 1},
+        {8, {0xAB}, 7, {0xAB}, 0},
+        {4, {0xAF}, 4, {0xA0}, 1},
+        {5, {0xAF}, 5, {0xA0}, 0},
+        {12, {0x11, 0xAF}, 12, {0x11, 0xA0}, 1},
+        {12, {0x11, 0xA0}, 12, {0x12, 0xA0}, 0},
+        {12, {0x11, 0xB0}, 12, {0x11, 0xA0}, 0},
+        {1, {0x80}, 1, {0x00}, 0},
     };
     for (Pair& row : rows) {
         AsnBits b1{row.len1, row.bits1.data()}, b2{row.len2, row.bits2.data()};

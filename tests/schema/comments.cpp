@@ -73,13 +73,14 @@ TEST(SchemaComments, GoWhereTheyBelong) {
         {"too long for the line of its field: above it",
          module("T ::= SEQUENCE {\n a [1] INTEGER OPTIONAL -- " + longText + "\n}"),
          "typedef struct T T;\n\n"
-         "struct T {\n    /* " + longText + " */\n    AsnInt* a; /* [1] OPTIONAL */\n};\nZYN_RECORD(T);\n"},
+         "struct T {\n    /* " +
+             longText + " */\n    AsnInt* a; /* [1] OPTIONAL */\n};\nZYN_RECORD(T);\n"},
         {"longer than a line: broken between words, the closing mark inside the line",
          module("-- " + longText + " aa bb cccccccc d\nT ::= SEQUENCE {}"),
-         "typedef struct T T;\n\n/* " + longText + " aa bb cccccccc\n * d */\n"
-         "struct T {\n    char unused;\n};\nZYN_RECORD(T);\n"},
-        {"the marks of a C comment do not end or nest one",
-         module("T ::= SEQUENCE {\n a INTEGER -- x */ y /* z\n}"),
+         "typedef struct T T;\n\n/* " + longText +
+             " aa bb cccccccc\n * d */\n"
+             "struct T {\n    char unused;\n};\nZYN_RECORD(T);\n"},
+        {"the marks of a C comment do not end or nest one", module("T ::= SEQUENCE {\n a INTEGER -- x */ y /* z\n}"),
          "typedef struct T T;\n\nstruct T {\n    AsnInt a; /* x * / y / * z */\n};\nZYN_RECORD(T);\n"},
     };
     for (const Case& row : cases) {
@@ -94,11 +95,14 @@ TEST(SchemaComments, AsJson) {
                                      " -- Above a.\n a [1] EXPLICIT INTEGER OPTIONAL, -- a\\b\n b [2] INTEGER\n}\n"
                                      "U ::= SEQUENCE {}\nEND"};
     EXPECT_EQ(remarks(compile({source})),
-              R"({"module":"M","comment":"Of \"M\".\u000aMore."})" "\n"
+              R"({"module":"M","comment":"Of \"M\".\u000aMore."})"
+              "\n"
               R"({"type":"T","module":"M","line":8,"comment":"Of T.\u000aat the brace","members":[)"
               R"({"name":"a","tag":"[1] EXPLICIT","above":"Above a.","behind":"a\\b"},)"
-              R"({"name":"b","tag":"[2]","above":"","behind":""}]})" "\n"
-              R"({"type":"U","module":"M","line":13,"comment":"","members":[]})" "\n");
+              R"({"name":"b","tag":"[2]","above":"","behind":""}]})"
+              "\n"
+              R"({"type":"U","module":"M","line":13,"comment":"","members":[]})"
+              "\n");
 }
 
 } // namespace

@@ -34,12 +34,10 @@ TEST(SchemaRefuses, WhatTheLanguageDoesNotHave) {
         one("T ::= SEQUENCE { a INTEGER,\n ... }", "M.asn1:3: the character '.' is not understood"),
         one("T ::= SEQUENCE { a -- c -- b- INTEGER }", "M.asn1:2: a hyphen inside a name is not supported"),
         one("T ::= SEQUENCE { a [01] INTEGER }", "M.asn1:2: a number cannot begin with 0"),
-        one("T ::= SEQUENCE { a INTEGER -- x -- DEFAULT 0 }",
-            "M.asn1:2: expected ',' or '}' but found 'DEFAULT'"),
+        one("T ::= SEQUENCE { a INTEGER -- x -- DEFAULT 0 }", "M.asn1:2: expected ',' or '}' but found 'DEFAULT'"),
         one("T ::= SEQUENCE { a INTEGER { one(1) } }", "M.asn1:2: the character '(' is not understood"),
         one("T ::= SEQUENCE { a NULL }", "M.asn1:2: expected the name of a type but found 'NULL'"),
-        one("T ::= SEQUENCE {\n a ENUMERATED\n}",
-            "M.asn1:3: expected the name of a type but found 'ENUMERATED'"),
+        one("T ::= SEQUENCE {\n a ENUMERATED\n}", "M.asn1:3: expected the name of a type but found 'ENUMERATED'"),
         one("T ::= SEQUENCE { a SEQUENCE { b INTEGER } }",
             "M.asn1:2: expected the name of a type but found 'SEQUENCE'"),
         one("T ::= SEQUENCE { a SET OF INTEGER }", "M.asn1:2: expected the name of a type but found 'SET'"),
@@ -87,8 +85,7 @@ TEST(SchemaRefuses, NamesThatLeadNowhereOrTwoWays) {
          "M.asn1:2: 'U' is imported but not used"},
         {{module("IMPORTS U,\n U FROM N;\nT ::= SEQUENCE { u U }"), module("U ::= SEQUENCE {}", "N")},
          "M.asn1:3: 'U' is imported twice"},
-        one("T ::= SEQUENCE {}\n\nT ::= SEQUENCE {}",
-            "M.asn1:4: the type 'T' is defined already in module 'M'"),
+        one("T ::= SEQUENCE {}\n\nT ::= SEQUENCE {}", "M.asn1:4: the type 'T' is defined already in module 'M'"),
         {{module("T ::= SEQUENCE {}"), module("T ::= SEQUENCE {}", "N")},
          "N.asn1:2: the type 'T' is defined already in module 'M'"},
         {{{"b/M.asn1", module("").text}, {"a/M.asn1", module("").text}},
@@ -98,8 +95,7 @@ TEST(SchemaRefuses, NamesThatLeadNowhereOrTwoWays) {
           module("IMPORTS X FROM M;\nV ::= SEQUENCE { x X }", "O")},
          "O.asn1:2: the modules 'O' and 'M' import from each other, directly or through others"},
         one("T ::= SEQUENCE {\n a INTEGER,\n a INTEGER }", "M.asn1:4: the field 'a' occurs twice in 'T'"),
-        one("T ::= CHOICE {\n a [0] INTEGER,\n a [1] INTEGER }",
-            "M.asn1:4: the alternative 'a' occurs twice in 'T'"),
+        one("T ::= CHOICE {\n a [0] INTEGER,\n a [1] INTEGER }", "M.asn1:4: the alternative 'a' occurs twice in 'T'"),
         one("T ::= CHOICE {\n a [7] INTEGER,\n b [7] INTEGER }",
             "M.asn1:4: the alternatives 'a' and 'b' have the same number"),
         one("T ::= SEQUENCE {\n t [1] T OPTIONAL\n}", "M.asn1:3: the type 'T' contains itself, through 'T'"),
@@ -135,10 +131,8 @@ TEST(SchemaRefuses, WhatTheCodecRulesDoNotKnow) {
         field("[4294967297] INTEGER", "M.asn1:7: the field 'f' has a tag number above 127"),
         alternative("[16384] INTEGER", "M.asn1:7: the alternative 'f' has a number above 16383"),
         alternative("[1] C", "M.asn1:7: the alternative 'f' is a CHOICE itself, so its tag must be EXPLICIT"),
-        alternative("[1] EXPLICIT S",
-                    "M.asn1:7: the alternative 'f' is EXPLICIT, which only a CHOICE can be"),
-        alternative("[1] EXPLICIT INTEGER",
-                    "M.asn1:7: the alternative 'f' is EXPLICIT, which only a CHOICE can be"),
+        alternative("[1] EXPLICIT S", "M.asn1:7: the alternative 'f' is EXPLICIT, which only a CHOICE can be"),
+        alternative("[1] EXPLICIT INTEGER", "M.asn1:7: the alternative 'f' is EXPLICIT, which only a CHOICE can be"),
         alternative("[1] REAL", otherKinds),
         alternative("[1] BOOLEAN", otherKinds),
         alternative("[1] BIT STRING", otherKinds),
@@ -156,7 +150,8 @@ TEST(SchemaRefuses, WhatTheCodecRulesDoNotKnow) {
 TEST(SchemaRefuses, WhatIsAmbiguousOnTheWire) {
     const auto clash = [](const std::string& fields, int line, const char* later, const char* tag) {
         return one("C ::= CHOICE { x [3] OCTET STRING, y [4] EXPLICIT D }\nD ::= CHOICE { z [0] INTEGER }\n"
-                   "S ::= SEQUENCE {}\nT ::= SEQUENCE {\n" + fields + "\n}",
+                   "S ::= SEQUENCE {}\nT ::= SEQUENCE {\n" +
+                       fields + "\n}",
                    "M.asn1:" + std::to_string(line) + ": the field '" + later + "' accepts the tag " + tag +
                        ", which the OPTIONAL field 'a' ahead of it would take");
     };
@@ -179,8 +174,7 @@ TEST(SchemaRefuses, WhatIsAmbiguousOnTheWire) {
 TEST(SchemaRefuses, WhatTheLanguagesWrittenCannotExpress) {
     expectRefused({
         one("T ::= SEQUENCE {\n new INTEGER }", "M.asn1:3: the name 'new' is taken in C or C++"),
-        one("T ::= CHOICE {\n a [0] INTEGER,\n slot [1] INTEGER }",
-            "M.asn1:4: the name 'slot' is taken in C or C++"),
+        one("T ::= CHOICE {\n a [0] INTEGER,\n slot [1] INTEGER }", "M.asn1:4: the name 'slot' is taken in C or C++"),
         one("E ::= [UNIVERSAL 10] IMPLICIT INTEGER", "M.asn1:1: the module 'M' defines no record"),
         one("AsnList ::= SEQUENCE {}", "M.asn1:2: the name 'AsnList' is one of the run-time's own"),
         one("T ::= SEQUENCE { l L }\nL ::= SET OF S\nS ::= SEQUENCE {}",

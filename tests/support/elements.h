@@ -13,9 +13,9 @@ struct Element;
 using Elements = std::vector<Element>;
 
 struct Element {
-    Octets tag;              // none: octets that are no element, which stand in content
-    Octets content;          // of a primitive element
-    Elements parts;          // of a constructed one; the end-of-contents marker of an indefinite one is the last of them
+    Octets tag;     // none: octets that are no element, which stand in content
+    Octets content; // of a primitive element
+    Elements parts; // of a constructed one; the end-of-contents marker of an indefinite one is the last of them
     bool constructed = false;
     bool indefinite = false;
     unsigned lengthOctets = 0;       // beyond the first, at least

@@ -21,7 +21,9 @@ constexpr std::size_t units = laterBlock / unit;
 constexpr double impossible = -std::numeric_limits<double>::infinity();
 
 constexpr std::size_t unitsOf(std::size_t size) { return (size + unit - 1) / unit; }
-constexpr double blockOf(std::size_t size) { return static_cast<double>(std::max(size, laterBlock) + sizeof(NibbleBuf)); }
+constexpr double blockOf(std::size_t size) {
+    return static_cast<double>(std::max(size, laterBlock) + sizeof(NibbleBuf));
+}
 
 using Walks = std::array<double, units + 1>; // what the best one is worth, by units of room left
 

@@ -22,7 +22,8 @@ inline Golden readGolden(const std::filesystem::path& path) {
     std::ifstream file(path);
     Golden golden;
     std::string line, octets;
-    while (std::getline(file, line) && line.starts_with("#")) {}
+    while (std::getline(file, line) && line.starts_with("#")) {
+    }
     for (const Channel& channel : channels) {
         if (line == channel.name) golden.channel = &channel;
     }
@@ -32,8 +33,7 @@ inline Golden readGolden(const std::filesystem::path& path) {
     std::ostringstream text;
     text << file.rdbuf();
     golden.text = text.str();
-    if (golden.text.ends_with("\n"))
-        golden.text.pop_back(); // the file's last line is closed, the printed one is not
+    if (golden.text.ends_with("\n")) golden.text.pop_back(); // the file's last line is closed, the printed one is not
     return golden;
 }
 

@@ -55,8 +55,8 @@ Octets Writer::stringPieces(Kind kind, const Octets& octets, unsigned unusedBits
                           octets.begin() + static_cast<std::ptrdiff_t>(to));
         from = to;
         if (depth < 3 && chance(30)) {
-            append(result, element(tag | constructedBit,
-                                   stringPieces(kind, part, unusedBits, last && lastHere, depth + 1)));
+            append(result,
+                   element(tag | constructedBit, stringPieces(kind, part, unusedBits, last && lastHere, depth + 1)));
             continue;
         }
         Octets content = part;
@@ -157,8 +157,7 @@ Octets Writer::valueElement(Kind kind, TypeId type, AsnTag tag, const void* valu
 }
 
 Octets Writer::fieldElement(const Field& field, const void* value) {
-    if (field.kind == Kind::Choice)
-        return choiceElement(typeOf(field.type), static_cast<const ChoiceRecord*>(value));
+    if (field.kind == Kind::Choice) return choiceElement(typeOf(field.type), static_cast<const ChoiceRecord*>(value));
     if (field.kind == Kind::SetOf && !value) return element(field.tag, {});
     if (field.wrapped) return element(field.tag, valueElement(field.kind, field.type, 0x02000000, value));
     return valueElement(field.kind, field.type, field.tag, value);
@@ -184,8 +183,7 @@ Pieces Writer::pieces(const Type& type, const void* value) {
         }
     }
     if (!result.empty() && chance(forms.damage)) {
-        const Octets strays[] = {
-            {0x05, 0x00}, {0x30, 0x00}, {0x00, 0x00}, {0xBF, 0x7F, 0x00}, {0x02, 0x01, 0x05}};
+        const Octets strays[] = {{0x05, 0x00}, {0x30, 0x00}, {0x00, 0x00}, {0xBF, 0x7F, 0x00}, {0x02, 0x01, 0x05}};
         const auto place = result.begin() + below(random, result.size());
         switch (below(random, 3)) {
         case 0: result.erase(place); break;
@@ -240,8 +238,7 @@ std::string choiceDifference(const Type& type, const ChoiceRecord& sent, const C
     if (sent.choiceId != decoded.choiceId) return ": choiceId " + std::to_string(decoded.choiceId);
     for (const Alternative& row : type.alternatives) {
         if (row.number != sent.choiceId) continue;
-        if (row.kind == Kind::Int)
-            return sent.number == decoded.number ? "" : under(row.name, ": number in the slot");
+        if (row.kind == Kind::Int) return sent.number == decoded.number ? "" : under(row.name, ": number in the slot");
         if (!decoded.slot) return under(row.name, ": null slot");
         const std::string found = difference(row.type, sent.slot, decoded.slot);
         return found.empty() ? "" : under(row.name, found);
@@ -282,8 +279,7 @@ std::string difference(TypeId id, const void* sent, const void* decoded) {
     case TypeId::AsnOcts:
         return textDifference(*static_cast<const AsnOcts*>(sent), *static_cast<const AsnOcts*>(decoded));
     case TypeId::AsnBits: {
-        const auto &original = *static_cast<const AsnBits*>(sent),
-                   &value = *static_cast<const AsnBits*>(decoded);
+        const auto &original = *static_cast<const AsnBits*>(sent), &value = *static_cast<const AsnBits*>(decoded);
         if (!value.bits) return ": absent";
         if (original.bitLen != value.bitLen) return ": bitLen";
         return std::equal(original.bits, original.bits + (value.bitLen + 7) / 8, value.bits) ? "" : ": bits";

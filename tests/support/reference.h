@@ -19,7 +19,7 @@ struct Forms {
     uint32_t longLength = 0;  // lengths of more octets than needed (8.1.3.5)
     uint32_t cutStrings = 0;  // strings in pieces, nested and empty ones too (8.6.4, 8.7.3)
     uint32_t looseValues = 0; // TRUE other than FF (8.2.2), REAL in other bases and forms (8.5.7)
-    uint32_t damage = 0; // contents that lack an element, have it twice, or have one that no record knows
+    uint32_t damage = 0;      // contents that lack an element, have it twice, or have one that no record knows
 };
 
 class Writer {

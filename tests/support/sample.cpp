@@ -116,9 +116,9 @@ AsnReal Sampler::real() {
     const int lowest = -1074;
     const int highest = 1023 - 8 * static_cast<int>(octets);
     const int edges[] = {lowest, lowest + 1, -1022, -129, -128, 0, 127, 128, highest};
-    const int exponent =
-        chance(30) ? edges[below(random, std::size(edges))]
-                   : lowest + static_cast<int>(below(random, static_cast<uint32_t>(highest - lowest + 1)));
+    const int exponent = chance(30)
+                             ? edges[below(random, std::size(edges))]
+                             : lowest + static_cast<int>(below(random, static_cast<uint32_t>(highest - lowest + 1)));
     return std::ldexp(static_cast<double>(mantissa), exponent) * (chance(50) ? 1 : -1);
 }
 

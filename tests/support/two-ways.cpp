@@ -18,16 +18,14 @@ std::string* reportedTo = nullptr;
 void report(char* text, int) { *reportedTo += text; }
 
 bool allZero(const uint8_t* from, const uint8_t* to) {
-    return from == to ||
-           (*from == 0 && std::memcmp(from, from + 1, static_cast<std::size_t>(to - from) - 1) == 0);
+    return from == to || (*from == 0 && std::memcmp(from, from + 1, static_cast<std::size_t>(to - from) - 1) == 0);
 }
 
 // Where in an arena a word points to: block and offset. Block -1: nowhere.
 std::pair<int, std::ptrdiff_t> placeOf(const NibbleMem* arena, uint64_t word) {
     int index = 0;
     for (const NibbleBuf* block = arena->firstNibbleBuf; block; block = block->next, ++index) {
-        const auto start = reinterpret_cast<uintptr_t>(block->start),
-                   end = reinterpret_cast<uintptr_t>(block->end);
+        const auto start = reinterpret_cast<uintptr_t>(block->start), end = reinterpret_cast<uintptr_t>(block->end);
         if (word >= start && word <= end) return {index, static_cast<std::ptrdiff_t>(word - start)};
     }
     return {-1, 0};
@@ -57,7 +55,7 @@ Channel channel(const char* name, TypeId message, TypeId choice, decltype(Channe
             message,
             choice,
             [](const uint8_t* octets, uint32_t length, void* to) {
-        return decodeMessage(octets, length, static_cast<Message*>(to));
+                return decodeMessage(octets, length, static_cast<Message*>(to));
             },
             encode,
             [](void* from) { return printMessage(nullptr, static_cast<Message*>(from)); }};
@@ -71,10 +69,10 @@ uint32_t encodeReply(const char*, void* record, uint32_t choiceId, uint8_t* bloc
 } // namespace
 
 const Channel channels[4] = {
-    channel<ZynTransReq, ZynTransRequestDecode, ZynTransRequestPrint>(
-        "trans-request", TypeId::ZynTransReq, TypeId::ZynTransReqChoice, ZynTransRequestEncode),
-    channel<ZynQueryReq, ZynQueryRequestDecode, ZynQueryRequestPrint>(
-        "query-request", TypeId::ZynQueryReq, TypeId::ZynQueryReqChoice, ZynQueryRequestEncode),
+    channel<ZynTransReq, ZynTransRequestDecode, ZynTransRequestPrint>("trans-request", TypeId::ZynTransReq,
+                                                                      TypeId::ZynTransReqChoice, ZynTransRequestEncode),
+    channel<ZynQueryReq, ZynQueryRequestDecode, ZynQueryRequestPrint>("query-request", TypeId::ZynQueryReq,
+                                                                      TypeId::ZynQueryReqChoice, ZynQueryRequestEncode),
     channel<ZynTransRep, ZynTransReplyDecode, ZynTransReplyPrint>(
         "trans-reply", TypeId::ZynTransRep, TypeId::ZynTransRep, encodeReply<ZynTransReplyEncode>),
     channel<ZynQueryRep, ZynQueryReplyDecode, ZynQueryReplyPrint>(
@@ -82,8 +80,7 @@ const Channel channels[4] = {
 };
 
 const Channel& channelOf(TypeId message) {
-    return *std::find_if(std::begin(channels), std::end(channels),
-                         [&](auto& c) { return c.message == message; });
+    return *std::find_if(std::begin(channels), std::end(channels), [&](auto& c) { return c.message == message; });
 }
 
 const ChoiceRecord* choiceIn(const Channel& channel, const void* message) {
@@ -150,8 +147,7 @@ void TwoWays::compareArenas() {
     for (; a && b; a = a->next, b = b->next) {
         if (a->end - a->start != b->end - b->start) return note("sizes of the blocks");
         if (a->curr - a->start != b->curr - b->start) return note("use of the blocks");
-        if (!sameWords(a->start, b->start, static_cast<std::size_t>(a->curr - a->start)))
-            return note("trees");
+        if (!sameWords(a->start, b->start, static_cast<std::size_t>(a->curr - a->start))) return note("trees");
         if (!allZero(a->curr, a->end) || !allZero(b->curr, b->end))
             return note("the arena is not zero behind its cursor");
         if ((a == arenas[0]->currNibbleBuf) != (b == arenas[1]->currNibbleBuf)) return note("current blocks");
@@ -190,8 +186,7 @@ void* TwoWays::decode(const Channel& channel, const Octets& octets) {
 
 std::size_t TwoWays::held() const { return std::max(heldByArena(arenas[0]), heldByArena(arenas[1])); }
 
-Octets TwoWays::encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice,
-                       uint32_t room) {
+Octets TwoWays::encode(const Channel& channel, const std::string& user, const ChoiceRecord* choice, uint32_t room) {
     const Lists lists = listsIn(channel.choice, choice);
     Octets result[2];
     std::vector<uint8_t> block;

@@ -29,8 +29,7 @@ const ChoiceRecord* choiceIn(const Channel& channel, const void* message);
 // The sender as an Encode takes it: 12 characters, from a request's userId.
 std::string userIn(const Channel& channel, const void* message);
 // The whole message of a record, by the reference.
-Octets messageOf(const Channel& channel, const std::string& user, const ChoiceRecord* choice,
-                 Writer writer = {});
+Octets messageOf(const Channel& channel, const std::string& user, const ChoiceRecord* choice, Writer writer = {});
 
 // Decoded trees live in two arenas of its own and stay until the next decode. Elsewhere nmG is a third one.
 class TwoWays {

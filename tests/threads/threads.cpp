@@ -51,9 +51,10 @@ std::string conversation(const Case& c) {
     std::vector<uint8_t> block(canonical.size() + 256);
     for (const bool direct : {true, false}) {
         directAllowed = direct;
-        const uint32_t length =
-            channel.encode(user.c_str(), choice->slot, choice->choiceId, block.data(), static_cast<uint32_t>(block.size()));
-        told += std::equal(canonical.begin(), canonical.end(), block.data(), block.data() + length) ? "same\n" : "other\n";
+        const uint32_t length = channel.encode(user.c_str(), choice->slot, choice->choiceId, block.data(),
+                                               static_cast<uint32_t>(block.size()));
+        told +=
+            std::equal(canonical.begin(), canonical.end(), block.data(), block.data() + length) ? "same\n" : "other\n";
         for (const Forms& forms : {Forms{}, Forms{30, 30, 60, 50, 0}, Forms{20, 20, 20, 20, 20}}) {
             decodeAndTell(channel, messageOf(channel, user, choice, Writer(forms, c.seed)), told);
         }
@@ -95,7 +96,8 @@ TEST(Threads, EachSeesWhatASingleOneSees) {
         EXPECT_EQ(alone[0][n].starts_with("same"), true) << cases[n].row->name << " is not even sent well alone";
         failed += alone[0][n].find("\ncode -") != std::string::npos;
         for (int i = 0; i < 2; ++i) {
-            ASSERT_EQ(together[i][n], alone[i][n]) << "thread " << i << ", " << cases[n].channel->name << " " << cases[n].row->name;
+            ASSERT_EQ(together[i][n], alone[i][n])
+                << "thread " << i << ", " << cases[n].channel->name << " " << cases[n].row->name;
         }
     }
     EXPECT_GT(failed, cases.size() / 4) << "damaged messages are hardly any";

@@ -1,11 +1,12 @@
 #!/usr/bin/python3
 """check.py: what has to hold of the site, looked at in the finished pages alone, beside what the tool says of the schema.
 
-usage: check.py --tool build/release/bin/zyn --site build/docs
+usage: check.py --tool build/release/bin/zyn --source . --site build/docs
 
 No link and no anchor leads nowhere. Each type has a page, which has each field or alternative with its tag, type and presence,
 each failure code, and a link on each use; each message stands on its channel's page and is linked from its record. The
-octets of each example decode to the JSON beside them, and its tree has an element for each of their values."""
+octets of each example decode to the JSON beside them, and its tree has an element for each of their values. Each function and
+variable of a public header stands on the header's page, behind a word on it."""
 import argparse
 import html.parser
 import json
@@ -106,6 +107,21 @@ class Check:
                     self.fault("search-index.js", f"{types[number]} has no field {name}")
         if missing := self.types.keys() - {name for name, _, _ in entries}:
             self.fault("search-index.js", f"not to be found: {sorted(missing)}")
+
+    def headers(self, source):
+        for path in sorted(Path(source, "include/zyn").glob("*.h*")):
+            name = f"headers/{path.name}.html"
+            page = self.pages.get(name)
+            if page is None:
+                self.fault(name, "there is no page for the header")
+                continue
+            text = re.sub(r"/\*.*?\*/|\\\n", "", path.read_text(), flags=re.S)
+            text = re.sub(r"^#.*", "", text, flags=re.M)
+            declared = re.findall(r"\bZYN_API [^;()]*?(\w+)(?:\[\w+\])?(?:;|\()", text)
+            entries = [one for one in page.whole.all("section", **{"class": "entry"}) if next(one.all("p"), None)]
+            told = {one.attributes["id"] for entry in entries for one in entry.all("span") if "id" in one.attributes}
+            if missing := set(declared) - told:
+                self.fault(name, f"nothing is said of {sorted(missing)}")
 
     def type_page(self, type):
         name = f"records/{type['name']}.html"
@@ -216,11 +232,12 @@ def leaves(value):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--site", required=True)
+    for name in ("tool", "source", "site"):
+        parser.add_argument(f"--{name}", required=True)
     arguments = parser.parse_args()
     check = Check(arguments.tool, arguments.site)
     check.links()
+    check.headers(arguments.source)
     for type in check.types.values():
         check.type_page(type)
     check.decode_examples()

@@ -87,25 +87,32 @@ def find(type, value, wanted, path=()):
                 yield from find(member.type, value[member.name], wanted, path + (member.name,))
 
 
+def read_message(path):
+    """A message that the tests hold: what it is, its channel, its octets."""
+    lines = path.read_text().splitlines()
+    return lines[0].lstrip("# "), lines[1], bytes.fromhex("".join(lines[2:lines.index("", 2)]))
+
+
 class Examples:
     def __init__(self, schema, tool, source):
         self.schema, self.tool = schema, tool
         self.values = Values()
         self.held = []  # (envelope, JSON, octets, channel, title)
-        for path in sorted(Path(source, "tests/messages").glob("*.txt")):
-            self._hold(path)
+        messages = [read_message(path) for path in sorted(Path(source, "tests/messages").glob("*.txt"))]
+        for channel, (_, name, _) in CHANNELS.items():
+            of_channel = [one for one in messages if one[1] == channel]
+            for (title, _, octets), value in zip(of_channel, self._decoded(channel, of_channel), strict=True):
+                self.values.learn(schema.types[name], value)
+                self.held.append((schema.types[name], value, octets, channel, title))
         self.all = {type.name: self._choose(type) for type in schema.types.values()}
         self.all = {name: example for name, example in self.all.items() if example}
         self._fill()
 
-    def _hold(self, path):
-        lines = path.read_text().splitlines()
-        title, channel = lines[0].lstrip("# "), lines[1]
-        octets = bytes.fromhex("".join(lines[2:lines.index("", 2)]))
-        value = json.loads(run([self.tool, "decode", "--channel", channel, "--out", "json", "--in", "hex"], octets.hex()))
-        envelope = self.schema.types[CHANNELS[channel][1]]
-        self.values.learn(envelope, value)
-        self.held.append((envelope, value, octets, channel, title))
+    def _decoded(self, channel, messages):
+        """The JSON of messages, all of one channel."""
+        lines = "\n".join(octets.hex() for _, _, octets in messages)
+        decode = [self.tool, "decode", "--channel", channel, "--in", "hex", "--out", "json"]
+        return [json.loads(line) for line in run(decode, lines).splitlines()]
 
     def _message(self, channel, value):
         choice, field = self.schema.choice(channel)

@@ -7,6 +7,8 @@ from posixpath import normpath
 import markdown
 from markupsafe import Markup
 
+from text import first_sentence
+
 
 class Page:
     def __init__(self, source, path):
@@ -17,11 +19,16 @@ class Page:
         self.url = "guide/index.html" if stem == "README" else f"guide/{stem}.html"
         self.about = ""  # a line
 
+    def first_sentence(self):
+        paragraph = next(one for one in self.text.split("\n\n") if re.match(r"[\w*`]", one))
+        plain = re.sub(r"\[([^\]]*)\]\([^)]*\)|`([^`]*)`|\*", lambda found: found[1] or found[2] or "", paragraph)
+        return first_sentence(" ".join(plain.split()))
+
 
 def pages(source):
     """The pages in their order."""
     opening = Page(source, "docs/guide/README.md")
-    opening.about = re.search(r"^(?!#)(\w.*?\.)(?:\s|$)", opening.text, re.M)[1]
+    opening.about = opening.first_sentence()
     found = [opening]
     listed = re.findall(r"^- \[[^\]]*\]\(([\w./-]+\.md)\): (.*)$", opening.text, re.M)
     about = {normpath(f"docs/guide/{name}"): text for name, text in listed}
@@ -30,7 +37,7 @@ def pages(source):
     for path in dict.fromkeys([*about, *others]):
         if path != opening.path:
             found.append(Page(source, path))
-            found[-1].about = about.get(path, "")
+            found[-1].about = about.get(path) or found[-1].first_sentence()
     return found
 
 
@@ -48,10 +55,10 @@ class Renderer:
             return f"\n\nBLOCK{len(blocks) - 1}BLOCK\n\n"
         text = re.sub(r"^```(\w+)\n(.*?)^```$", aside, page.text, flags=re.M | re.S)
         html = markdown.markdown(text, extensions=["tables", "toc", "sane_lists"])
-        html = re.sub(r"<code>(\w+)</code>", self._name, html)
         html = re.sub(r'<p>(<img [^>]*>)</p>', r"<figure>\1</figure>", html)
         html = re.sub(r'<img alt="([^"]*)" src="([^"]+)" ?/?>', lambda found: self._picture(page, found), html)
         html = re.sub(r'<a href="([^"]+)">(.*?)</a>', lambda found: self._link(page, found), html, flags=re.S)
+        html = re.sub(r"(<a .*?</a>)|<code>(\w+)</code>", self._name, html, flags=re.S)
         html = re.sub(r"<table>(.*?)</table>", r'<div class="scroll"><table>\1</table></div>', html, flags=re.S)
         return Markup(re.sub(r"<p>BLOCK(\d+)BLOCK</p>", lambda found: blocks[int(found[1])], html))
 
@@ -67,7 +74,7 @@ class Renderer:
         return f'<pre class="code-{language}">' + html + "</pre>"
 
     def _name(self, found):
-        href = self.linker.href(found[1])
+        href = found[2] and self.linker.href(found[2])  # what is a link already stays so
         return f'<a href="{href}">{found[0]}</a>' if href else found[0]
 
     def _target(self, page, reference):
@@ -75,9 +82,7 @@ class Renderer:
 
     def _link(self, page, found):
         reference, anchor = re.match(r"([^#]*)(#.*)?", found[1]).groups()
-        if re.match(r"\w+:", reference) or reference.startswith(self.linker.root):
-            return found[0]
-        if not reference:
+        if not reference or re.match(r"\w+:", reference):
             return found[0]
         path = self._target(page, reference)
         if path in self.urls:

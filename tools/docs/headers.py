@@ -24,10 +24,13 @@ class Entry:
 def paragraphs(comment):
     """Paragraphs of a comment: (text, whether its columns are to be kept)."""
     lines = [re.sub(r"^\s*(?:///?|\*)? ?", "", line).rstrip() for line in comment.strip("\n").split("\n")]
-    blocks = "\n".join(lines).strip().split("\n\n")
+    blocks = "\n".join(lines).strip("\n").split("\n\n")
     out = []
     for block in blocks:
-        if re.search(r"\S {3,}\S", block):
+        if block.startswith("    "):  # code, of which an empty line is a part
+            parts = [out.pop()[0]] if out and out[-1][1] else []
+            out.append(("\n\n".join([*parts, re.sub(r"^    ", "", block, flags=re.M)]), True))
+        elif re.search(r"\S {3,}\S", block):
             out.append((block, True))
         elif block.strip():
             out += [(part, False) for part in parted(block)]
@@ -79,6 +82,7 @@ def join_lines(lines):
 def symbol(line):
     line = re.sub(r"^(?:ZYN_API|static inline|static|inline|constexpr|extern|ZYN_API extern) +", "", line)
     line = re.sub(r"^extern +", "", line)
+    line = re.sub(r"^template <.*> (?=class|struct|using|concept)", "", line)
     if re.match(r"^\s*(//|/\*|\*|#(?!define))", line) or not line.strip():
         return None
     if found := re.match(r"^#define (\w+)", line):
@@ -87,9 +91,9 @@ def symbol(line):
         return found[1]
     if found := re.match(r"^(?:typedef .*?|\} ?)(\w+);", line):
         return found[1]
-    if found := re.match(r"^(?:typedef )?(?:struct|enum class|enum|class|union) (\w+)", line):
+    if found := re.match(r"^(?:typedef )?(?:struct|enum class|enum|class|union) (?:\[\[\w+\]\] )?(\w+)", line):
         return found[1]
-    if found := re.match(r"^(?:template.*>)? *using (\w+)", line):
+    if found := re.match(r"^(?:using|concept) (\w+)", line):
         return found[1]
     if found := re.match(r"^[\w:<>*&,\[\] ]*?\b(\w+)\s*\(", line):
         return found[1]
@@ -99,14 +103,14 @@ def symbol(line):
 
 
 class Header:
-    def __init__(self, path):
-        self.name = path.name
+    def __init__(self, path, folder):
+        self.name = path.relative_to(folder).as_posix()
         self.text = path.read_text()
         self.entries = []
         self._read(strip_frame(self.text))
 
     def url(self):
-        return f"headers/{self.name}.html"
+        return f"headers/{self.name.replace('/', '-')}.html"
 
     def summary(self):
         return self.opening[0][0] if self.opening else ""
@@ -163,6 +167,10 @@ def strip_frame(text):
     text = re.sub(r"^#include .*\n", "", text, flags=re.M)
     text = re.sub(r"#if defined\(__GNUC__\)\n#define ZYN_API.*?#endif\n", "", text, flags=re.S)
     text = re.sub(r"\n#endif\s*$", "\n", text)
+    # Of C++ what users write: neither what is private, nor the names of namespaces.
+    text = re.sub(r"^namespace detail \{\n.*?^\} // namespace detail\n", "", text, flags=re.M | re.S)
+    text = re.sub(r"\n+^private:\n.*?(?=^\};)", "\n", text, flags=re.M | re.S)
+    text = re.sub(r"^namespace zyn \{\n|^\} // namespace zyn\n", "", text, flags=re.M)
     opening = re.match(r"\s*(/\*.*?\*/\n|(?://[^\n]*\n)+)", text, re.S)  # it stands for itself, whatever follows
     if opening:
         text = opening[1] + "\n" + text[opening.end():]
@@ -171,4 +179,5 @@ def strip_frame(text):
 
 def load(source):
     folder = Path(source, "include/zyn")
-    return [Header(path) for path in sorted([*folder.glob("*.h"), *folder.glob("*.hpp")])]
+    paths = [*sorted(folder.glob("*.h")), *sorted(folder.glob("*.hpp")), *folder.glob("cpp/base.hpp")]
+    return [Header(path, folder) for path in paths]

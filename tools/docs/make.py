@@ -87,6 +87,7 @@ class Site:
             definition = self.schema.definition(type)
             self.write("record.html", type.url(), type.name, type=type, comment=self.comment(type), example=example,
                        shown=shown, structure=lambda linker, type=type: linker.code(self.schema.structure(type)),
+                       init=lambda linker, type=type: linker.code(self.schema.init(type), "cpp"),
                        definition=lambda linker, definition=definition: linker.asn1(definition))
             self.search.append([type.name, type.url(), f"{type.kind}, {type.module}" if type.module else type.kind])
         modules = [(module, comment, self.schema.of_module(module)) for module, comment in self.modules.items()]
@@ -119,7 +120,7 @@ class Site:
 
     def header_pages(self):
         for header in self.headers:
-            included = re.findall(r'#include "zyn/([\w.]+)"', header.text)
+            included = re.findall(r'#include "zyn/([\w./]+)"', header.text)
             header.includes = [one for one in self.headers if one.name in included]
             self.write("header.html", header.url(), header.name, header=header)
             self.search.append([header.name, header.url(), "header"])
@@ -132,10 +133,12 @@ class Site:
 
     def guide_pages(self):
         for page, following in zip(self.guide, self.guide[1:] + [None]):
-            def body(linker, page=page):
-                return guide.Renderer(self.source, self.out, self.files, linker).body(page)
+            renderer = guide.Renderer(self.source, self.out, self.files, text.Linker(self.names, "../"))
+            body = renderer.body(page)
             self.write("guide.html", page.url, page.title, body=body, next=following)
             self.search.append([page.title, page.url, "guide"])
+            for anchor, heading in re.findall(r'<h2 id="([^"]+)">(.*?)</h2>', body):
+                self.search.append([re.sub(r"<[^>]*>", "", heading), f"{page.url}#{anchor}", f"guide: {page.title}"])
 
     def home(self):
         readme = Path(self.source, "README.md").read_text()

@@ -105,6 +105,7 @@ class Schema:
         self.modules = {one["module"]: one["comment"] for one in said if "type" not in one}
         self.texts = {path.stem: path.read_text() for path in modules}
         self.structures = {path.stem: path.read_text() for path in Path(source, "include/zyn/records").glob("*.h")}
+        self.inits = {path.stem: path.read_text() for path in Path(source, "include/zyn/cpp").glob("*.hpp")}
         self._link(remarks)
         self._carry()
 
@@ -174,3 +175,8 @@ class Schema:
         found = re.search(rf"^struct {type.name} \{{\n.*?^\}};$", text, re.M | re.S)
         found = found or re.search(rf"^typedef [^;]*\b{type.name};.*$", text, re.M)
         return found.group(0) if found else ""
+
+    def init(self, type):
+        """What the generated header for C++ has to build a type with, without what is no field."""
+        found = re.search(rf"^template <> struct Init<{type.name}> \{{\n.*?^\}};$", self.inits.get(type.module, ""), re.M | re.S)
+        return re.sub(r"\n*    void fill\(.*\n", "\n", found.group(0)) if found else ""

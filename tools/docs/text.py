@@ -93,15 +93,17 @@ def json_text(value, own):
     return Markup(json_lines(value, own, (), 0))
 
 
-def json_lines(value, own, path, depth):
+def json_lines(value, own, path, used):
+    """used: the columns of the line that are taken ahead of the value."""
     text = json.dumps(value, ensure_ascii=False)
     leads = len(path) < len(own) and own[:len(path)] == path
-    if isinstance(value, (dict, list)) and value and (leads or len(text) + 2 * depth > 38):
+    if isinstance(value, (dict, list)) and value and (leads or used + len(text) > 38):
+        depth = len(path)
         pad = "  " * (depth + 1)
         lines = []
         for key, one in value.items() if isinstance(value, dict) else enumerate(value):
             name = f"{json.dumps(key)}: " if isinstance(value, dict) else ""
-            lines.append(pad + name + json_lines(one, own, path + (key,), depth + 1))
+            lines.append(pad + name + json_lines(one, own, path + (key,), len(pad + name)))
         ends = "{}" if isinstance(value, dict) else "[]"
         html = ends[0] + "\n" + ",\n".join(lines) + "\n" + "  " * depth + ends[1]
     else:

@@ -31,8 +31,7 @@ public:
             if (type.kind == Kind::Sequence) checkSequence(type);
             if (type.kind == Kind::Choice) checkChoice(type);
             if (type.kind == Kind::SetOf && type.element.kind != Kind::Sequence) {
-                refuse(type.element.line,
-                       "the elements of " + inQuotes(type.name) + " must be of a SEQUENCE type");
+                refuse(type.element.line, "the elements of " + inQuotes(type.name) + " must be of a SEQUENCE type");
             }
             const bool hasFields = type.kind == Kind::Sequence && !type.members.empty();
             if (type.message && type.kind != Kind::Choice && !hasFields) {
@@ -47,8 +46,7 @@ private:
         std::set<std::string> names;
         for (const Member& field : type.members) {
             if (!names.insert(field.name).second) {
-                refuse(field.line,
-                       "the field " + inQuotes(field.name) + " occurs twice in " + inQuotes(type.name));
+                refuse(field.line, "the field " + inQuotes(field.name) + " occurs twice in " + inQuotes(type.name));
             }
             checkField(field);
         }
@@ -94,8 +92,8 @@ private:
         std::map<unsigned, std::string> numbers;
         for (const Member& alternative : type.members) {
             if (!names.insert(alternative.name).second) {
-                refuse(alternative.line, "the alternative " + inQuotes(alternative.name) +
-                                             " occurs twice in " + inQuotes(type.name));
+                refuse(alternative.line,
+                       "the alternative " + inQuotes(alternative.name) + " occurs twice in " + inQuotes(type.name));
             }
             const auto [known, isNew] = numbers.emplace(alternative.tag.number, alternative.name);
             if (!isNew) {
@@ -122,14 +120,11 @@ private:
         case Kind::Sequence:
             if (!isExplicit) break;
             refuse(alternative.line, name + " is EXPLICIT, which only a CHOICE can be");
-        default:
-            refuse(alternative.line, name + " must be an INTEGER, an OCTET STRING, a SEQUENCE or a CHOICE");
+        default: refuse(alternative.line, name + " must be an INTEGER, an OCTET STRING, a SEQUENCE or a CHOICE");
         }
     }
 
-    [[noreturn]] void refuse(int line, const std::string& reason) const {
-        throw Refusal(module_.file, line, reason);
-    }
+    [[noreturn]] void refuse(int line, const std::string& reason) const { throw Refusal(module_.file, line, reason); }
 
     const Module& module_;
 };

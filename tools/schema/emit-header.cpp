@@ -124,12 +124,9 @@ std::string emitHeader(const Module& module) {
         types += (type.message ? "ZYN_MESSAGE(" : "ZYN_RECORD(") + type.name + ");\n";
     }
     const std::string remarks = block(module.remarks, 0);
-    return "/* " + firstLine(module) + " */\n" +
-           "#ifndef " + guard + "\n#define " + guard + "\n\n" +
-           includes(module) + "\n" +
-           "#ifdef __cplusplus\nextern \"C\" {\n#endif\n\n" +
-           remarks + (remarks.empty() || forward.empty() ? "" : "\n") +
-           forward + types +
+    return "/* " + firstLine(module) + " */\n" + "#ifndef " + guard + "\n#define " + guard + "\n\n" + includes(module) +
+           "\n" + "#ifdef __cplusplus\nextern \"C\" {\n#endif\n\n" + remarks +
+           (remarks.empty() || forward.empty() ? "" : "\n") + forward + types +
            "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
 }
 

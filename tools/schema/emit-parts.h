@@ -8,10 +8,12 @@
 namespace zyn::schema {
 
 std::string emitHeader(const Module& module);
+std::string emitCpp(const Module& module);
 std::string emitRows(const Module& module);
 std::string emitExports(const Module& module);
 
 std::string emitAllHeaders(const Schema& schema);
+std::string emitAllCpp(const Schema& schema);
 std::string emitTypeIds(const Schema& schema);
 std::string emitModules(const Schema& schema);
 std::string emitSources(const Schema& schema);

@@ -60,17 +60,13 @@ std::string emitRows(const Module& module) {
         if (type.kind == Kind::Choice) tables += alternatives(type);
         types += "    " + typeRow(type) + ",\n";
     }
-    return "// " + firstLine(module) + "\n#pragma once\n\n" +
-           "#include \"records/rows.h\"\n" +
-           "#include \"zyn/records/" + module.name + ".h\"\n\n" +
-           "namespace zyn {\n\n" +
-           tables + array("Type", module.name + "Types", types) +
-           "} // namespace zyn\n";
+    return "// " + firstLine(module) + "\n#pragma once\n\n" + "#include \"records/rows.h\"\n" +
+           "#include \"zyn/records/" + module.name + ".h\"\n\n" + "namespace zyn {\n\n" + tables +
+           array("Type", module.name + "Types", types) + "} // namespace zyn\n";
 }
 
 std::string emitExports(const Module& module) {
-    std::string text = "// " + firstLine(module) + "\n" +
-                       "#include \"records/exports.h\"\n" +
+    std::string text = "// " + firstLine(module) + "\n" + "#include \"records/exports.h\"\n" +
                        "#include \"zyn/records/" + module.name + ".h\"\n\n";
     for (const Type& type : module.types) {
         if (!isRecord(type.kind)) continue;

@@ -5,8 +5,7 @@
 namespace zyn::schema {
 
 std::string emitAllHeaders(const Schema& schema) {
-    std::string text = "/* " + firstLine(schema) + " */\n" +
-                       "#ifndef ZYN_RECORDS_H\n#define ZYN_RECORDS_H\n\n";
+    std::string text = "/* " + firstLine(schema) + " */\n" + "#ifndef ZYN_RECORDS_H\n#define ZYN_RECORDS_H\n\n";
     for (const Module& module : schema.modules) text += "#include \"zyn/records/" + module.name + ".h\"\n";
     return text + "\n#endif\n";
 }

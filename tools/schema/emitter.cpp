@@ -14,14 +14,15 @@ namespace {
 
 // The words of C11 and C++20 that could be the name of a field, and the members that a record has of its own.
 constexpr std::string_view takenWords[] = {
-    "alignas", "alignof", "and", "asm", "auto", "bitand", "bitor", "bool", "break", "case", "catch", "char",
-    "class", "compl", "concept", "const", "consteval", "constexpr", "constinit", "continue", "decltype",
-    "default", "delete", "do", "double", "else", "enum", "explicit", "export", "extern", "false", "float",
-    "for", "friend", "goto", "if", "inline", "int", "long", "mutable", "namespace", "new", "noexcept", "not",
-    "nullptr", "operator", "or", "private", "protected", "public", "register", "requires", "restrict",
-    "return", "short", "signed", "sizeof", "static", "struct", "switch", "template", "this", "throw", "true",
-    "try", "typedef", "typeid", "typename", "union", "unsigned", "using", "virtual", "void", "volatile",
-    "while", "xor"};
+    "alignas",   "alignof",  "and",      "asm",       "auto",      "bitand",   "bitor",    "bool",      "break",
+    "case",      "catch",    "char",     "class",     "compl",     "concept",  "const",    "consteval", "constexpr",
+    "constinit", "continue", "decltype", "default",   "delete",    "do",       "double",   "else",      "enum",
+    "explicit",  "export",   "extern",   "false",     "float",     "for",      "friend",   "goto",      "if",
+    "inline",    "int",      "long",     "mutable",   "namespace", "new",      "noexcept", "not",       "nullptr",
+    "operator",  "or",       "private",  "protected", "public",    "register", "requires", "restrict",  "return",
+    "short",     "signed",   "sizeof",   "static",    "struct",    "switch",   "template", "this",      "throw",
+    "true",      "try",      "typedef",  "typeid",    "typename",  "union",    "unsigned", "using",     "virtual",
+    "void",      "volatile", "while",    "xor"};
 constexpr std::string_view takenInChoices[] = {"choiceId", "slot"};
 constexpr std::string_view takenTypes[] = {"AsnInt",  "AsnEnum", "AsnBool", "AsnReal", "AsnOcts",
                                            "AsnBits", "AsnList", "AsnLen",  "AsnTag"};
@@ -40,14 +41,12 @@ void checkNotEmpty(const Module& module) {
 
 void checkNames(const Module& module, const Type& type) {
     if (isRecord(type.kind) && isIn(takenTypes, type.name)) {
-        throw Refusal(module.file, type.line,
-                      "the name " + inQuotes(type.name) + " is one of the run-time's own");
+        throw Refusal(module.file, type.line, "the name " + inQuotes(type.name) + " is one of the run-time's own");
     }
     for (const Member& member : type.members) {
         const bool takenHere = type.kind == Kind::Choice && isIn(takenInChoices, member.name);
         if (takenHere || isIn(takenWords, member.name)) {
-            throw Refusal(module.file, member.line,
-                          "the name " + inQuotes(member.name) + " is taken in C or C++");
+            throw Refusal(module.file, member.line, "the name " + inQuotes(member.name) + " is taken in C or C++");
         }
     }
 }
@@ -108,10 +107,12 @@ Output emit(const Schema& schema) {
         for (const Type& type : module.types) checkNames(module, type);
         checkLists(module);
         output.headers.push_back({module.name + ".h", emitHeader(module)});
+        output.cpp.push_back({module.name + ".hpp", emitCpp(module)});
         output.rows.push_back({module.name + ".rows.h", emitRows(module)});
         output.rows.push_back({module.name + ".cpp", emitExports(module)});
     }
     output.allHeaders = {"records.h", emitAllHeaders(schema)};
+    output.cpp.push_back({"records.hpp", emitAllCpp(schema)});
     output.rows.push_back({"type-ids.h", emitTypeIds(schema)});
     output.rows.push_back({"modules.h", emitModules(schema)});
     output.rows.push_back({"sources.cmake", emitSources(schema)});

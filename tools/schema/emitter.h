@@ -16,6 +16,7 @@ struct OutputFile {
 struct Output {
     std::vector<OutputFile> headers; // one a module
     OutputFile allHeaders;           // includes the headers; stands one folder above them
+    std::vector<OutputFile> cpp;     // views for C++, one a module, and one file that includes them
     std::vector<OutputFile> rows;    // tables and exports
 };
 

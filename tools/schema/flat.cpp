@@ -45,8 +45,8 @@ private:
 } // namespace
 
 std::string flat(const Schema& schema, const std::string& name) {
-    return "-- " + firstLine(schema) + "\n" + name + " DEFINITIONS IMPLICIT TAGS ::= BEGIN\n" + Flattener(schema).run() +
-           "\nEND\n";
+    return "-- " + firstLine(schema) + "\n" + name + " DEFINITIONS IMPLICIT TAGS ::= BEGIN\n" +
+           Flattener(schema).run() + "\nEND\n";
 }
 
 } // namespace zyn::schema

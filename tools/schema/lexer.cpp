@@ -58,8 +58,8 @@ private:
         const std::size_t end = rest_.find('\n', 2);
         const std::size_t hyphens = rest_.substr(0, end).find("--", 2);
         const std::size_t textEnd = hyphens != std::string_view::npos ? hyphens : std::min(end, rest_.size());
-        out_.comments.push_back({trimmed(rest_.substr(2, textEnd - 2)), line_, !lineHasText_,
-                                 static_cast<int>(out_.tokens.size())});
+        out_.comments.push_back(
+            {trimmed(rest_.substr(2, textEnd - 2)), line_, !lineHasText_, static_cast<int>(out_.tokens.size())});
         rest_.remove_prefix(hyphens != std::string_view::npos ? textEnd + 2 : textEnd);
     }
 

@@ -14,8 +14,8 @@ struct Source {
 
 struct Token {
     enum class Kind { Word, Number, Symbol, End } kind;
-    std::string text; // empty at the End
-    int line;         // from 1
+    std::string text;   // empty at the End
+    int line;           // from 1
     std::size_t offset; // of its first character in the source
 };
 

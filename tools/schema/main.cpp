@@ -26,7 +26,8 @@ constexpr const char* usage =
     "       zyn-schema --remarks FILE MODULE.asn1...\n"
     "\n"
     "Compiles the ASN.1 modules of the protocol, in any order.\n"
-    "  --headers DIR  writes DIR/MODULE.h for each module, and DIR/../records.h, which includes them all\n"
+    "  --headers DIR  writes DIR/MODULE.h for each module, and DIR/../records.h, which includes them all;\n"
+    "                 for C++ DIR/../cpp/MODULE.hpp and DIR/../cpp/records.hpp\n"
     "  --rows DIR     writes the field tables and export stubs of the library\n"
     "  --dump FILE    writes the compiled schema as text\n"
     "  --flat FILE    writes all types as one module, which has the name of the file\n"
@@ -53,10 +54,10 @@ bool isModuleName(const std::string& name) {
 Arguments parseArguments(const std::vector<std::string_view>& words) {
     Arguments arguments;
     for (auto word = words.begin(); word != words.end(); ++word) {
-        std::string* value = *word == "--headers" ? &arguments.headers
-                             : *word == "--rows"  ? &arguments.rows
-                             : *word == "--dump"  ? &arguments.dump
-                             : *word == "--flat"  ? &arguments.flat
+        std::string* value = *word == "--headers"   ? &arguments.headers
+                             : *word == "--rows"    ? &arguments.rows
+                             : *word == "--dump"    ? &arguments.dump
+                             : *word == "--flat"    ? &arguments.flat
                              : *word == "--remarks" ? &arguments.remarks
                                                     : nullptr;
         if (!value && word->starts_with('-')) throw WrongUsage("unknown option " + std::string(*word));
@@ -102,6 +103,7 @@ void run(const Arguments& arguments) {
     const Output output = emit(schema);
     const fs::path headers = arguments.headers, rows = arguments.rows;
     for (const OutputFile& file : output.headers) writeFile(headers / file.name, file.text);
+    for (const OutputFile& file : output.cpp) writeFile(headers / ".." / "cpp" / file.name, file.text);
     writeFile(headers / ".." / output.allHeaders.name, output.allHeaders.text);
     for (const OutputFile& file : output.rows) writeFile(rows / file.name, file.text);
     if (!arguments.dump.empty()) {

@@ -13,16 +13,15 @@ namespace {
 
 // Words that mean something else than a name in the ASN.1 that schemas are written in.
 constexpr std::string_view reservedWords[] = {
-    "ABSENT", "ANY", "APPLICATION", "AUTOMATIC", "BEGIN", "BIT", "BOOLEAN", "BY", "CHOICE", "CLASS",
-    "COMPONENT", "COMPONENTS", "CONSTRAINED", "DEFAULT", "DEFINED", "DEFINITIONS", "EMBEDDED", "END",
-    "ENUMERATED", "EXPLICIT", "EXPORTS", "EXTENSIBILITY", "EXTERNAL", "FALSE", "FROM", "IDENTIFIER",
-    "IMPLICIT", "IMPLIED", "IMPORTS", "INCLUDES", "INTEGER", "MAX", "MIN", "NULL", "OBJECT", "OCTET", "OF",
-    "OPTIONAL", "PDV", "PRESENT", "PRIVATE", "REAL", "SEQUENCE", "SET", "SIZE", "STRING", "TAGS", "TRUE",
+    "ABSENT",    "ANY",        "APPLICATION", "AUTOMATIC",  "BEGIN",       "BIT",           "BOOLEAN",  "BY",
+    "CHOICE",    "CLASS",      "COMPONENT",   "COMPONENTS", "CONSTRAINED", "DEFAULT",       "DEFINED",  "DEFINITIONS",
+    "EMBEDDED",  "END",        "ENUMERATED",  "EXPLICIT",   "EXPORTS",     "EXTENSIBILITY", "EXTERNAL", "FALSE",
+    "FROM",      "IDENTIFIER", "IMPLICIT",    "IMPLIED",    "IMPORTS",     "INCLUDES",      "INTEGER",  "MAX",
+    "MIN",       "NULL",       "OBJECT",      "OCTET",      "OF",          "OPTIONAL",      "PDV",      "PRESENT",
+    "PRIVATE",   "REAL",       "SEQUENCE",    "SET",        "SIZE",        "STRING",        "TAGS",     "TRUE",
     "UNIVERSAL", "WITH"};
 
-bool isReserved(std::string_view word) {
-    return std::ranges::find(reservedWords, word) != std::end(reservedWords);
-}
+bool isReserved(std::string_view word) { return std::ranges::find(reservedWords, word) != std::end(reservedWords); }
 
 bool isUpper(char c) { return std::isupper(static_cast<unsigned char>(c)); }
 bool isLower(char c) { return std::islower(static_cast<unsigned char>(c)); }
@@ -37,8 +36,8 @@ public:
         module_.name = upperName("the name of the module");
         const std::string stem = std::filesystem::path(file_).stem().string();
         if (module_.name != stem) {
-            refuse(module_.line, "the module " + inQuotes(module_.name) + " stands in a file of the name " +
-                                     inQuotes(stem));
+            refuse(module_.line,
+                   "the module " + inQuotes(module_.name) + " stands in a file of the name " + inQuotes(stem));
         }
         for (const char* word : {"DEFINITIONS", "IMPLICIT", "TAGS", "::=", "BEGIN"}) expect(word);
         module_.remarks = moduleComment(lexed_, at_ - 1);
@@ -185,9 +184,7 @@ private:
         refuse(token().line, "expected " + expected + " but found " + found);
     }
 
-    [[noreturn]] void refuse(int line, const std::string& reason) const {
-        throw Refusal(file_, line, reason);
-    }
+    [[noreturn]] void refuse(int line, const std::string& reason) const { throw Refusal(file_, line, reason); }
 
     const std::string& file_;
     const std::string& text_;

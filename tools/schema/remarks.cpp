@@ -41,7 +41,8 @@ std::string remarks(const Schema& schema) {
         out += "{" + pair("module", module.name) + "," + pair("comment", module.remarks) + "}\n";
         for (const Type& type : module.types) {
             out += "{" + pair("type", type.name) + "," + pair("module", module.name) +
-                   ",\"line\":" + std::to_string(type.line) + "," + pair("comment", whole(type.remarks)) + ",\"members\":[";
+                   ",\"line\":" + std::to_string(type.line) + "," + pair("comment", whole(type.remarks)) +
+                   ",\"members\":[";
             bool first = true;
             for (const Member& member : type.members) {
                 out += std::string(first ? "" : ",") + "{" + pair("name", member.name) + "," +

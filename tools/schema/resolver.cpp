@@ -59,13 +59,12 @@ private:
         std::map<std::string, const Type*> visible;
         for (const Import& import : module.imports) {
             if (!modules_.contains(import.module)) {
-                throw Refusal(module.file, import.line,
-                              "the module " + inQuotes(import.module) + " is not known");
+                throw Refusal(module.file, import.line, "the module " + inQuotes(import.module) + " is not known");
             }
             const auto found = types_.find({import.module, import.name});
             if (found == types_.end()) {
-                throw Refusal(module.file, import.line, "the module " + inQuotes(import.module) +
-                                                            " defines no " + inQuotes(import.name));
+                throw Refusal(module.file, import.line,
+                              "the module " + inQuotes(import.module) + " defines no " + inQuotes(import.name));
             }
             if (!visible.emplace(import.name, found->second).second) {
                 throw Refusal(module.file, import.line, inQuotes(import.name) + " is imported twice");
@@ -82,8 +81,8 @@ private:
             }
             const auto found = visible.find(use.name);
             if (found == visible.end()) {
-                throw Refusal(module.file, use.line, "the type " + inQuotes(use.name) +
-                                                         " is neither defined in this module nor imported");
+                throw Refusal(module.file, use.line,
+                              "the type " + inQuotes(use.name) + " is neither defined in this module nor imported");
             }
             use.kind = found->second->kind;
             use.type = found->second;
@@ -129,8 +128,8 @@ private:
     void follow(const Module& module, const Type& type, const TypeUse& use) {
         if (!use.type || types_.find({module.name, use.name}) == types_.end()) return;
         if (openTypes_.contains(use.type)) {
-            throw Refusal(module.file, use.line, "the type " + inQuotes(type.name) +
-                                                     " contains itself, through " + inQuotes(use.name));
+            throw Refusal(module.file, use.line,
+                          "the type " + inQuotes(type.name) + " contains itself, through " + inQuotes(use.name));
         }
         refuseRecursion(module, *use.type);
     }

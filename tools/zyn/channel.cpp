@@ -8,8 +8,9 @@ const char* channelName(ZynChannel channel) {
 }
 
 const char* channelTitle(ZynChannel channel) {
-    constexpr const char* titles[ZYN_CHANNELS] = {"request on the transaction channel", "reply on the transaction channel",
-                                                  "request on the query channel", "reply on the query channel"};
+    constexpr const char* titles[ZYN_CHANNELS] = {"request on the transaction channel",
+                                                  "reply on the transaction channel", "request on the query channel",
+                                                  "reply on the query channel"};
     return titles[channel];
 }
 
@@ -28,7 +29,8 @@ void beSilent() {
 bool decodesWell(const uint8_t* octets, std::size_t length) {
     const int channel = ZynChannelOf(octets, length);
     Envelope envelope = {};
-    return channel >= 0 && ZynDecode(static_cast<ZynChannel>(channel), octets, static_cast<uint32_t>(length), &envelope) == 0;
+    return channel >= 0 &&
+           ZynDecode(static_cast<ZynChannel>(channel), octets, static_cast<uint32_t>(length), &envelope) == 0;
 }
 
 } // namespace zyn::tool

@@ -43,13 +43,16 @@ void addFiles(CLI::App& app, std::vector<std::string>& files) {
 void addInput(CLI::App& app, InputOptions& input, int& channel) {
     Words<Spelling> words = {{"auto", Spelling::Auto}};
     words.insert(words.end(), spellings.begin(), spellings.end());
-    addWords(app, "--in", input.spelling, words,
-             "How the octets are spelled: as they are, messages one behind the other; in hexadecimal, a message a line or "
-             "as a hex dump; in base64. Without it this is told by the input itself");
+    addWords(
+        app, "--in", input.spelling, words,
+        "How the octets are spelled: as they are, messages one behind the other; in hexadecimal, a message a line or "
+        "as a hex dump; in base64. Without it this is told by the input itself");
     addWords(app, "--channel", channel, channels(),
              "The channel and direction of all messages. Without it each message tells it itself");
-    app.add_option("--limit", input.limit, "The longest message to expect, in bytes, K, M or G; without it 16M. No more memory is taken")
-        ->type_name("SIZE")->transform(CLI::AsSizeValue(false).description(""));
+    app.add_option("--limit", input.limit,
+                   "The longest message to expect, in bytes, K, M or G; without it 16M. No more memory is taken")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""));
 }
 
 void addDecode(Commands& commands) {
@@ -58,21 +61,29 @@ void addDecode(Commands& commands) {
     app.callback([&commands] { commands.run = [&commands] { return decode(commands.decode); }; });
     addFiles(app, options.files);
     addInput(app, options.input, options.channel);
-    const Words<ViewKind> views = {{"notation", ViewKind::Notation}, {"json", ViewKind::Json}, {"tree", ViewKind::Tree}};
-    addWords(app, "--out", options.view, views,
-             "What to show: the value notation of ASN.1 (this is what you get without the option); JSON, one object a line; "
-             "or every element with its octets beside their meaning");
-    app.add_option("--where", options.where,
-                   "Show only messages with this value at this path, such as upTransMsg.order.order.secBoardId.secCode=ZORA. "
-                   "* stands for any one name, ** for any number of them, [3] for an element of a list, which otherwise is "
-                   "any one. VALUE is a number, true or false, or a text as it is; octets follow .hex and bits .bits. "
-                   "May be given several times: then all have to hold")
-        ->type_name("PATH=VALUE")->allow_extra_args(false);
-    app.add_flag("--skip-junk", options.input.skipJunk, "Pass over what is no message, as between those in a log, and count it");
+    const Words<ViewKind> views = {
+        {"notation", ViewKind::Notation}, {"json", ViewKind::Json}, {"tree", ViewKind::Tree}};
+    addWords(
+        app, "--out", options.view, views,
+        "What to show: the value notation of ASN.1 (this is what you get without the option); JSON, one object a line; "
+        "or every element with its octets beside their meaning");
+    app.add_option(
+           "--where", options.where,
+           "Show only messages with this value at this path, such as upTransMsg.order.order.secBoardId.secCode=ZORA. "
+           "* stands for any one name, ** for any number of them, [3] for an element of a list, which otherwise is "
+           "any one. VALUE is a number, true or false, or a text as it is; octets follow .hex and bits .bits. "
+           "May be given several times: then all have to hold")
+        ->type_name("PATH=VALUE")
+        ->allow_extra_args(false);
+    app.add_flag("--skip-junk", options.input.skipJunk,
+                 "Pass over what is no message, as between those in a log, and count it");
     app.add_flag("--follow", options.input.follow, "Go on as the file grows, until interrupted");
-    app.add_option("--bad", options.badFile, "Put messages that failed into this file, with place and reason, one JSON object a line")
+    app.add_option("--bad", options.badFile,
+                   "Put messages that failed into this file, with place and reason, one JSON object a line")
         ->type_name("FILE");
-    app.add_option("--jobs", options.jobs, "How many processors to use; the order stays")->type_name("N")->check(CLI::Range(1u, 256u).description(""));
+    app.add_option("--jobs", options.jobs, "How many processors to use; the order stays")
+        ->type_name("N")
+        ->check(CLI::Range(1u, 256u).description(""));
     app.footer("What is wrong with a bad message, and where, is told on the standard error stream.");
 }
 
@@ -81,7 +92,8 @@ void addEncode(Commands& commands) {
     CLI::App& app = *commands.app.add_subcommand("encode", "Make messages out of JSON, as decode --out json writes it");
     app.callback([&commands] { commands.run = [&commands] { return encode(commands.encode); }; });
     addFiles(app, options.files);
-    addWords(app, "--channel", options.channel, channels(), "The channel and direction of all messages. Without it this is told by their fields");
+    addWords(app, "--channel", options.channel, channels(),
+             "The channel and direction of all messages. Without it this is told by their fields");
     addWords(app, "--out", options.spelling, spellings,
              "How to spell the octets; without it hex. Other than raw messages have a line each");
 }
@@ -100,7 +112,8 @@ void addSchema(Commands& commands) {
     auto& options = commands.schema;
     CLI::App& app = *commands.app.add_subcommand("schema", "List all types, or show one with its fields and codes");
     app.callback([&commands] { commands.run = [&commands] { return schema(commands.schema); }; });
-    app.add_option("NAME", options.name, "A type, a message or a message's number, such as ZynOrderEntry, order or 426")->type_name("NAME");
+    app.add_option("NAME", options.name, "A type, a message or a message's number, such as ZynOrderEntry, order or 426")
+        ->type_name("NAME");
     app.add_flag("--json", options.json, "Write JSON, for programs");
 }
 
@@ -108,8 +121,11 @@ void addExplain(Commands& commands) {
     auto& options = commands.explain;
     CLI::App& app = *commands.app.add_subcommand("explain", "Tell what a failure code means");
     app.callback([&commands] { commands.run = [&commands] { return explain(commands.explain); }; });
-    app.add_option("CODE", options.words, "The code, with or without its minus sign; in front of it the module, where only one is wanted")
-        ->type_name("[MODULE] CODE")->expected(1, 2)->required();
+    app.add_option("CODE", options.words,
+                   "The code, with or without its minus sign; in front of it the module, where only one is wanted")
+        ->type_name("[MODULE] CODE")
+        ->expected(1, 2)
+        ->required();
 }
 
 void addSample(Commands& commands) {
@@ -118,10 +134,12 @@ void addSample(Commands& commands) {
     app.callback([&commands] { commands.run = [&commands] { return sample(commands.sample); }; });
     app.add_option("NAME", options.names,
                    "Which messages to make: names or numbers of messages, types of their records, or channels "
-                   "(trans-request, ...); without any, all kinds")->type_name("NAME");
+                   "(trans-request, ...); without any, all kinds")
+        ->type_name("NAME");
     app.add_option("--count", options.count, "How many messages")->type_name("N");
     app.add_option("--seed", options.seed, "The same seed makes the same messages")->type_name("S");
-    addWords(app, "--out", options.spelling, spellings, "How to spell the octets; without it raw, but hex on a terminal");
+    addWords(app, "--out", options.spelling, spellings,
+             "How to spell the octets; without it raw, but hex on a terminal");
 }
 
 int print(const std::string& text) {
@@ -141,7 +159,8 @@ Commands::Commands() : app("Shows, makes and compares messages of the trading pr
     addSchema(*this);
     addExplain(*this);
     addSample(*this);
-    CLI::App& completing = *app.add_subcommand("completion", "Write a script that completes the command line in a shell");
+    CLI::App& completing =
+        *app.add_subcommand("completion", "Write a script that completes the command line in a shell");
     completing.callback([this] { run = [this] { return print(completion(app, shell)); }; });
     const Words<std::string> shells = {{"bash", "bash"}, {"zsh", "zsh"}, {"fish", "fish"}};
     addWords(completing, "SHELL", shell, shells, "Which shell")->required();

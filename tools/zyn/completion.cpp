@@ -8,7 +8,9 @@ std::vector<const CLI::App*> verbsOf(const CLI::App& app) {
     return app.get_subcommands([](const CLI::App*) { return true; });
 }
 
-std::string joined(const std::vector<std::string>& words, const char* between) { return CLI::detail::join(words, between); }
+std::string joined(const std::vector<std::string>& words, const char* between) {
+    return CLI::detail::join(words, between);
+}
 
 std::vector<std::string> optionNames(const CLI::App& verb) {
     std::vector<std::string> names;
@@ -44,24 +46,30 @@ std::string bash(const CLI::App& app) {
             for (const auto& name : option->get_lnames()) {
                 const std::string at = "        " + verb->get_name() + ":--" + name + ") ";
                 if (argument.isFile) values += at + "COMPREPLY=($(compgen -f -- \"$word\")); return ;;\n";
-                else if (!argument.words.empty()) values += at + "COMPREPLY=($(compgen -W '" + joined(argument.words, " ") + "' -- \"$word\")); return ;;\n";
+                else if (!argument.words.empty())
+                    values += at + "COMPREPLY=($(compgen -W '" + joined(argument.words, " ") +
+                              "' -- \"$word\")); return ;;\n";
                 else if (argument.isAny) values += at + "return ;;\n";
             }
         }
         for (const auto& name : optionNames(*verb)) words.push_back(name);
-        options += "        " + verb->get_name() + ") COMPREPLY=($(compgen " + (files ? "-f " : "") + "-W '" + joined(words, " ") +
-                   "' -- \"$word\")) ;;\n";
+        options += "        " + verb->get_name() + ") COMPREPLY=($(compgen " + (files ? "-f " : "") + "-W '" +
+                   joined(words, " ") + "' -- \"$word\")) ;;\n";
     }
     return "# bash completion for zyn\n"
            "_zyn() {\n"
            "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} verb=${COMP_WORDS[1]}\n"
            "    if ((COMP_CWORD == 1)); then\n"
-           "        COMPREPLY=($(compgen -W '" + verbs + joined(optionNames(app), " ") + "' -- \"$word\"))\n"
+           "        COMPREPLY=($(compgen -W '" +
+           verbs + joined(optionNames(app), " ") +
+           "' -- \"$word\"))\n"
            "        return\n"
            "    fi\n"
-           "    case $verb:$before in\n" + values +
+           "    case $verb:$before in\n" +
+           values +
            "    esac\n"
-           "    case $verb in\n" + options +
+           "    case $verb in\n" +
+           options +
            "    esac\n"
            "}\n"
            "complete -o filenames -F _zyn zyn\n";
@@ -90,7 +98,8 @@ std::string zsh(const CLI::App& app) {
     }
     return "#compdef zyn\n"
            "_zyn_verbs() {\n"
-           "    local -a verbs=(\n" + verbs +
+           "    local -a verbs=(\n" +
+           verbs +
            "    )\n"
            "    _describe verb verbs\n"
            "}\n"
@@ -102,7 +111,8 @@ std::string zsh(const CLI::App& app) {
            "    local verb=$words[2]\n"
            "    shift words\n"
            "    ((CURRENT--))\n"
-           "    case $verb in\n" + cases +
+           "    case $verb in\n" +
+           cases +
            "    esac\n"
            "}\n"
            "if [[ $funcstack[1] == _zyn ]]; then _zyn \"$@\"; else compdef _zyn zyn; fi\n";
@@ -111,7 +121,8 @@ std::string zsh(const CLI::App& app) {
 std::string fish(const CLI::App& app) {
     std::string text = "# fish completion for zyn\n";
     for (const CLI::App* verb : verbsOf(app)) {
-        text += "complete -c zyn -f -n __fish_use_subcommand -a " + verb->get_name() + " -d '" + summary(verb->get_description()) + "'\n";
+        text += "complete -c zyn -f -n __fish_use_subcommand -a " + verb->get_name() + " -d '" +
+                summary(verb->get_description()) + "'\n";
         for (const CLI::Option* option : verb->get_options()) {
             const Argument argument = argumentOf(*option);
             std::string line = "complete -c zyn -n '__fish_seen_subcommand_from " + verb->get_name() + "'";

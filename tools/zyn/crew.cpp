@@ -8,7 +8,8 @@ namespace zyn::tool {
 Crew::Crew(unsigned jobs, std::function<std::unique_ptr<Worker>()> make, std::function<void(Batch&)> done)
     : makeWorker(std::move(make)), finish(std::move(done)) {
     if (jobs <= 1) own = makeWorker();
-    else for (unsigned i = 0; i < jobs; ++i) threads.emplace_back([this] { work(); });
+    else
+        for (unsigned i = 0; i < jobs; ++i) threads.emplace_back([this] { work(); });
 }
 
 Crew::~Crew() {

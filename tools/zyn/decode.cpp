@@ -41,8 +41,9 @@ class Decoding {
 public:
     explicit Decoding(const DecodeOptions& how)
         : options(how), conditions(how.where.begin(), how.where.end()), aside(how.badFile),
-          crew(how.jobs, [this] { return std::make_unique<Worker>(options, conditions, wantsColours()); },
-               [this](Batch& batch) { finish(batch); }) {}
+          crew(
+              how.jobs, [this] { return std::make_unique<Worker>(options, conditions, wantsColours()); },
+              [this](Batch& batch) { finish(batch); }) {}
 
     void read(const std::string& file);
     uint64_t badMessages() const { return bad; }
@@ -108,7 +109,8 @@ void Decoding::read(const std::string& file) {
     if (bad > badBefore) summary = inWords(bad - badBefore, "bad message") + " of " + std::to_string(number);
     if (framer.junk.octets > 0) {
         summary += summary.empty() ? "" : ", ";
-        summary += inWords(framer.junk.octets, "octet") + " of junk passed over in " + inWords(framer.junk.places, "place");
+        summary +=
+            inWords(framer.junk.octets, "octet") + " of junk passed over in " + inWords(framer.junk.places, "place");
     }
     if (!summary.empty()) writeAll(STDERR_FILENO, reader.name() + ": " + summary + "\n");
 }

@@ -27,7 +27,9 @@ public:
     bool hasFound() const { return found; }
 
 private:
-    static std::string below(const std::string& path, const char* name) { return path.empty() ? name : path + "." + name; }
+    static std::string below(const std::string& path, const char* name) {
+        return path.empty() ? name : path + "." + name;
+    }
 
     void compareFields(const ZynType& type, const void* one, const void* other, const std::string& path) {
         for (const ZynField* field = type.fields; field != type.fields + type.fieldCount; ++field) {
@@ -84,7 +86,8 @@ public:
         Frame frame;
         while (framer.next(frame) == Fill::More) {
             ++number;
-            channel = options.channel >= 0 ? static_cast<ZynChannel>(options.channel) : likelyChannel(frame.octets, frame.length);
+            channel = options.channel >= 0 ? static_cast<ZynChannel>(options.channel)
+                                           : likelyChannel(frame.octets, frame.length);
             Envelope envelope = {};
             const int32_t code = ZynDecode(channel, frame.octets, static_cast<uint32_t>(frame.length), &envelope);
             if (code == 0 && frame.kind == Frame::Message) {

@@ -79,7 +79,8 @@ void Encoding::encode(const std::string& input, const Document& document) {
         ZynJsonError error = {};
         ZynJsonLastError(json.get(), &error);
         const uint64_t line = document.line + (error.line > 0 ? error.line - 1 : 0);
-        return complain(input + ":" + std::to_string(line) + ":" + std::to_string(error.column), error.path, error.text);
+        return complain(input + ":" + std::to_string(line) + ":" + std::to_string(error.column), error.path,
+                        error.text);
     }
     const std::size_t length = encodeInto(buffer, channel, envelope);
     if (length > 0) return putSpelled(out.text, options.spelling, buffer.data(), length);

@@ -34,7 +34,9 @@ int main(int argc, char** argv) {
             const bool isHelp = error.get_exit_code() == 0;
             const bool namesVerb = argc > 1 && argv[1][0] != '-';
             if (argc == 1) std::fputs(commands.app.help().c_str(), stderr);
-            else if (namesVerb && commands.app.get_subcommands([&](const CLI::App* verb) { return verb->get_name() == argv[1]; }).empty())
+            else if (namesVerb &&
+                     commands.app.get_subcommands([&](const CLI::App* verb) { return verb->get_name() == argv[1]; })
+                         .empty())
                 std::fprintf(stderr, "zyn: there is no verb '%s'; zyn --help lists them\n", argv[1]);
             else commands.app.exit(error);
             return isHelp ? allGood : usedWrongly;

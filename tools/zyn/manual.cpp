@@ -18,8 +18,10 @@ std::string escaped(const std::string& text) {
 
 std::string shownName(const CLI::Option& option) {
     std::string text;
-    for (const auto& name : option.get_snames()) text += (text.empty() ? "" : ", ") + ("\\fB\\-" + escaped(name) + "\\fR");
-    for (const auto& name : option.get_lnames()) text += (text.empty() ? "" : ", ") + ("\\fB\\-\\-" + escaped(name) + "\\fR");
+    for (const auto& name : option.get_snames())
+        text += (text.empty() ? "" : ", ") + ("\\fB\\-" + escaped(name) + "\\fR");
+    for (const auto& name : option.get_lnames())
+        text += (text.empty() ? "" : ", ") + ("\\fB\\-\\-" + escaped(name) + "\\fR");
     if (option.get_positional()) return "\\fI" + escaped(option.get_name()) + "\\fR";
     if (option.get_type_size_max() > 0) text += " \\fI" + escaped(option.get_type_name()) + "\\fR";
     return text;
@@ -40,7 +42,8 @@ std::string sections(const std::string& footer) {
     for (const std::string& line : CLI::detail::split(footer, '\n')) {
         if (!line.empty() && line.back() == ':') {
             text += ".SH " + CLI::detail::to_lower(line.substr(0, line.size() - 1)) + "\n.nf\n";
-            for (std::size_t i = text.rfind(".SH ") + 4; text[i] != '\n'; ++i) text[i] = static_cast<char>(std::toupper(text[i]));
+            for (std::size_t i = text.rfind(".SH ") + 4; text[i] != '\n'; ++i)
+                text[i] = static_cast<char>(std::toupper(text[i]));
             open = true;
         } else if (open && line.empty()) {
             text += ".fi\n";
@@ -55,8 +58,11 @@ std::string sections(const std::string& footer) {
 } // namespace
 
 std::string manual(const CLI::App& app) {
-    std::string text = ".TH ZYN 1 \"\" \"" + escaped(app.version()) + "\" \"User commands\"\n"
-                       ".SH NAME\nzyn \\- " + escaped(app.get_description()) + "\n"
+    std::string text = ".TH ZYN 1 \"\" \"" + escaped(app.version()) +
+                       "\" \"User commands\"\n"
+                       ".SH NAME\nzyn \\- " +
+                       escaped(app.get_description()) +
+                       "\n"
                        ".SH SYNOPSIS\n";
     std::string verbs;
     for (const CLI::App* verb : app.get_subcommands([](const CLI::App*) { return true; })) {
@@ -67,7 +73,8 @@ std::string manual(const CLI::App& app) {
             text += option->get_required() ? " " + name : " [" + name + "]";
         }
         text += "\n.br\n";
-        verbs += ".SS zyn " + escaped(verb->get_name()) + "\n" + escaped(verb->get_description()) + ".\n" + options(*verb);
+        verbs +=
+            ".SS zyn " + escaped(verb->get_name()) + "\n" + escaped(verb->get_description()) + ".\n" + options(*verb);
         if (!verb->get_footer().empty()) verbs += ".PP\n" + escaped(verb->get_footer()) + "\n";
     }
     return text + ".SH DESCRIPTION\n" + escaped(app.get_description()) + "\n.SH OPTIONS\n" + options(app) +

@@ -88,7 +88,8 @@ void RandomRecords::fillText(AsnOcts& text) {
     constexpr char letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 -./";
     text.octetLen = static_cast<uint32_t>(below(20) == 0 ? below(200) : below(13));
     text.octs = static_cast<uint8_t*>(take(text.octetLen + 1));
-    for (uint32_t i = 0; i < text.octetLen; ++i) text.octs[i] = static_cast<uint8_t>(letters[below(sizeof letters - 1)]);
+    for (uint32_t i = 0; i < text.octetLen; ++i)
+        text.octs[i] = static_cast<uint8_t>(letters[below(sizeof letters - 1)]);
 }
 
 void RandomRecords::fillBits(AsnBits& bits) {

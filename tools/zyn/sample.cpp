@@ -21,9 +21,8 @@ std::vector<Message> chosenMessages(const std::vector<std::string>& names) {
     std::vector<Message> chosen;
     for (const std::string& name : names) {
         const std::size_t before = chosen.size();
-        std::copy_if(all.begin(), all.end(), std::back_inserter(chosen), [&](const Message& one) {
-            return name == channelName(one.channel) || isNamed(one, name);
-        });
+        std::copy_if(all.begin(), all.end(), std::back_inserter(chosen),
+                     [&](const Message& one) { return name == channelName(one.channel) || isNamed(one, name); });
         if (chosen.size() == before) throw WrongUse("there is no message '" + name + "'; zyn schema lists them");
     }
     return chosen;

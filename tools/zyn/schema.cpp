@@ -19,7 +19,8 @@ const char* kindTitle(ZynKind kind) {
 }
 
 std::string tagOctetsText(AsnTag tag, unsigned octets) {
-    const uint8_t bytes[] = {static_cast<uint8_t>(tag >> 24), static_cast<uint8_t>(tag >> 16), static_cast<uint8_t>(tag >> 8)};
+    const uint8_t bytes[] = {static_cast<uint8_t>(tag >> 24), static_cast<uint8_t>(tag >> 16),
+                             static_cast<uint8_t>(tag >> 8)};
     std::string text;
     putHex(text, bytes, octets, true);
     return text;
@@ -61,8 +62,8 @@ void putType(std::string& out, const ZynType& type) {
     if (type.module) out += std::string(", module ") + type.module;
     out += ", " + std::to_string(type.size) + " bytes in memory\n";
     for (const Message& message : messagesOf(type)) {
-        out += std::string("  message ") + message.alternative->name + ", number " + std::to_string(message.alternative->number) +
-               ": " + channelTitle(message.channel) + "\n";
+        out += std::string("  message ") + message.alternative->name + ", number " +
+               std::to_string(message.alternative->number) + ": " + channelTitle(message.channel) + "\n";
     }
     std::size_t names = 0, types = 0;
     for (unsigned i = 0; i < type.fieldCount; ++i) {
@@ -92,7 +93,8 @@ void putType(std::string& out, const ZynType& type) {
         putPadded(out, std::to_string(alternative.number), 5);
         putPadded(out, alternative.name, names + 2);
         putPadded(out, alternative.type->name, types + 2);
-        out += tagOctetsText(alternative.tag, alternative.tagOctets) + (alternative.explicitTag ? "  EXPLICIT" : "") + "\n";
+        out += tagOctetsText(alternative.tag, alternative.tagOctets) + (alternative.explicitTag ? "  EXPLICIT" : "") +
+               "\n";
     }
     const std::size_t before = out.size();
     eachCode(type, [&](int code, const char* text) { out += "  " + std::to_string(code) + "  " + text + "\n"; });
@@ -169,7 +171,8 @@ std::vector<const ZynType*> typesNamed(const std::string& name) {
     if (const ZynType* type = ZynTypeByName(name.c_str())) types.push_back(type);
     for (const Message& message : allMessages()) {
         if (!isNamed(message, name)) continue;
-        if (std::find(types.begin(), types.end(), message.alternative->type) == types.end()) types.push_back(message.alternative->type);
+        if (std::find(types.begin(), types.end(), message.alternative->type) == types.end())
+            types.push_back(message.alternative->type);
     }
     if (types.empty()) throw WrongUse("there is no type or message '" + name + "'; zyn schema lists them");
     return types;
@@ -202,7 +205,8 @@ int schema(const SchemaOptions& options) {
     }
     std::vector<const ZynType*> types;
     if (!options.name.empty()) types = typesNamed(options.name);
-    else for (uint32_t i = 0; i < ZynTypeCount(); ++i) types.push_back(ZynTypeByNumber(i));
+    else
+        for (uint32_t i = 0; i < ZynTypeCount(); ++i) types.push_back(ZynTypeByNumber(i));
     for (const ZynType* type : types) {
         if (options.json) {
             JsonWriter json;

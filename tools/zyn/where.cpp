@@ -69,13 +69,15 @@ bool Condition::matches(const ZynType& type, const void* record, std::size_t ste
         for (const ZynField* field = type.fields; field != type.fields + type.fieldCount; ++field) {
             const void* member = valueOf(*field, record);
             if (!member) continue;
-            if (enter(field->name, step, [&](std::size_t next) { return matches(*field->type, member, next); })) return true;
+            if (enter(field->name, step, [&](std::size_t next) { return matches(*field->type, member, next); }))
+                return true;
         }
         return false;
     case ZYN_KIND_CHOICE: {
         const ZynAlternative* alternative = alternativeOf(type, record);
         const void* held = alternative ? valueOf(type, *alternative, record) : nullptr;
-        return held && enter(alternative->name, step, [&](std::size_t next) { return matches(*alternative->type, held, next); });
+        return held && enter(alternative->name, step,
+                             [&](std::size_t next) { return matches(*alternative->type, held, next); });
     }
     case ZYN_KIND_SET_OF: return matchesElements(type, record, step);
     case ZYN_KIND_OCTET_STRING: return matchesText(*static_cast<const AsnOcts*>(record), step);
@@ -118,7 +120,8 @@ bool Condition::matchesBits(const AsnBits& bits, std::size_t step) const {
 bool Condition::matchesEnd(const ZynType& type, const void* place) const {
     if (type.kind == ZYN_KIND_BOOLEAN) return value == (*static_cast<const AsnBool*>(place) ? "true" : "false");
     if (!number) return false;
-    const double there = type.kind == ZYN_KIND_REAL ? *static_cast<const AsnReal*>(place) : *static_cast<const AsnInt*>(place);
+    const double there =
+        type.kind == ZYN_KIND_REAL ? *static_cast<const AsnReal*>(place) : *static_cast<const AsnInt*>(place);
     return there == *number || (there != there && *number != *number);
 }
 

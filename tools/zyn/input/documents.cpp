@@ -15,7 +15,8 @@ Fill Documents::skipBlanks() {
     for (;;) {
         const std::string_view text = reader.text();
         const std::size_t n = std::min(text.find_first_not_of(" \t\r\n"), text.size());
-        lineNumber += static_cast<uint64_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(n), '\n'));
+        lineNumber +=
+            static_cast<uint64_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(n), '\n'));
         reader.take(n);
         if (n < text.size()) return Fill::More;
         if (const Fill got = reader.more(); got != Fill::More) return got;
@@ -39,7 +40,7 @@ Fill Documents::next(Document& document) {
                 if (c == '\n') break;
             } else if (inString) {
                 if (c == '"') inString = false;
-                else if (c == '\n') complete = true; // no string has line breaks: a quote is missing
+                else if (c == '\n') complete = true;               // no string has line breaks: a quote is missing
                 else if (c == '\\' && i + 1 == text.size()) break; // what is escaped is not here yet
                 else if (c == '\\') ++i;
             } else if (c == '"') {

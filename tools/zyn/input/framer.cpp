@@ -22,8 +22,14 @@ Fill Framer::nextUnit() {
 Fill Framer::give(Frame& frame, Frame::Kind kind) { return take(frame, kind, window.size(), 0); }
 
 Fill Framer::take(Frame& frame, Frame::Kind kind, std::size_t length, std::size_t claimed) {
-    frame = {.kind = kind, .octets = window.data(), .length = length, .claimed = claimed,
-             .position = window.position(), .line = source.line(), .last = false, .complaint = source.complaint().c_str()};
+    frame = {.kind = kind,
+             .octets = window.data(),
+             .length = length,
+             .claimed = claimed,
+             .position = window.position(),
+             .line = source.line(),
+             .last = false,
+             .complaint = source.complaint().c_str()};
     used = length;
     inJunk = false;
     if (kind != Frame::Message && !options.skipJunk) {
@@ -57,7 +63,8 @@ Fill Framer::next(Frame& frame) {
         if (got == Fill::More) continue;
         const bool misspelled = !source.complaint().empty();
         if (misspelled) return take(frame, Frame::Misspelled, window.size(), 0);
-        if (window.size() > 0 && !isInterrupted()) return take(frame, Frame::Cut, window.size(), told > 0 ? claimed : 0);
+        if (window.size() > 0 && !isInterrupted())
+            return take(frame, Frame::Cut, window.size(), told > 0 ? claimed : 0);
         inUnit = false;
     }
 }

@@ -133,7 +133,8 @@ private:
         if (octets.size() == 0 || !alone.wrong.empty()) return Fill::End;
         std::size_t length = 0;
         const bool isWhole = ZynMessageLength(octets.data(), octets.size(), &length) == 1 && length == octets.size();
-        const bool begins = ZynChannelOf(octets.data(), octets.size()) >= 0 && (isWhole || startIsCertain(octets.data()[0]));
+        const bool begins =
+            ZynChannelOf(octets.data(), octets.size()) >= 0 && (isWhole || startIsCertain(octets.data()[0]));
         return begins ? Fill::End : Fill::More;
     }
 
@@ -185,7 +186,8 @@ private:
 
     void complain(std::size_t i, char c, bool noDigit) {
         const bool shows = c > ' ' && c <= '~';
-        wrong = noDigit ? std::string("no hexadecimal: ") + (shows ? std::string("'") + c + "'" : "an unprintable character")
+        wrong = noDigit ? std::string("no hexadecimal: ") +
+                              (shows ? std::string("'") + c + "'" : "an unprintable character")
                         : "an octet of one digit";
         wrong += " at character " + std::to_string(i + 1);
     }
@@ -204,6 +206,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Source> hexSource(Reader& reader, bool skipJunk) { return std::make_unique<HexSource>(reader, skipJunk); }
+std::unique_ptr<Source> hexSource(Reader& reader, bool skipJunk) {
+    return std::make_unique<HexSource>(reader, skipJunk);
+}
 
 } // namespace zyn::tool

@@ -31,8 +31,7 @@ void stopOnInterrupt() {
 
 bool isInterrupted() { return interrupted != 0; }
 
-Reader::Reader(const std::string& file, bool follow)
-    : shownName(file == "-" ? "standard input" : file) {
+Reader::Reader(const std::string& file, bool follow) : shownName(file == "-" ? "standard input" : file) {
     descriptor = file == "-" ? STDIN_FILENO : open(file.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status = {};
     if (descriptor < 0 || fstat(descriptor, &status) != 0) throw WrongUse(file + ": " + std::strerror(errno));

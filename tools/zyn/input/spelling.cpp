@@ -14,9 +14,7 @@ bool isText(std::string_view text) {
     });
 }
 
-bool startsAsMessage(const Window& octets, bool) {
-    return octets.size() >= 2 && mayStartMessage(octets.data()[0]);
-}
+bool startsAsMessage(const Window& octets, bool) { return octets.size() >= 2 && mayStartMessage(octets.data()[0]); }
 
 bool holdsMessage(const Window& octets, bool complete) {
     for (std::size_t i = 0; complete && i < octets.size(); ++i) {
@@ -34,7 +32,8 @@ template <typename Open, typename Test> bool spells(std::string_view line, Open 
     const auto source = open(reader);
     Window window;
     if (source->next(window) != Fill::More) return false;
-    while (source->fill(window) == Fill::More) {}
+    while (source->fill(window) == Fill::More) {
+    }
     return test(window, source->complaint().empty());
 }
 
@@ -63,19 +62,23 @@ Spelling tellSpelling(Reader& reader, bool skipJunk) {
         atEnd = atEnd || text.size() == enough;
         const std::string_view lines = atEnd ? text : text.substr(0, text.rfind('\n') + 1);
         Spelling answer = firstAnswer(lines, [&](std::string_view line) {
-            return spells(line, hex, test) ? Spelling::Hex : spells(line, base64, test) ? Spelling::Base64 : Spelling::Auto;
+            return spells(line, hex, test)      ? Spelling::Hex
+                   : spells(line, base64, test) ? Spelling::Base64
+                                                : Spelling::Auto;
         });
         // Messages that do not even begin well: nothing but digits is hexadecimal all the same.
-        if (answer == Spelling::Auto && atEnd && !skipJunk) answer = firstAnswer(lines, [&](std::string_view line) {
-            return spells(line, hex, isAnything) ? Spelling::Hex : Spelling::Auto;
-        });
+        if (answer == Spelling::Auto && atEnd && !skipJunk)
+            answer = firstAnswer(lines, [&](std::string_view line) {
+                return spells(line, hex, isAnything) ? Spelling::Hex : Spelling::Auto;
+            });
         if (answer != Spelling::Auto) return answer;
         if (atEnd) return Spelling::Raw;
     }
 }
 
 std::unique_ptr<Source> openSource(Reader& reader, const InputOptions& options) {
-    const Spelling spelling = options.spelling == Spelling::Auto ? tellSpelling(reader, options.skipJunk) : options.spelling;
+    const Spelling spelling =
+        options.spelling == Spelling::Auto ? tellSpelling(reader, options.skipJunk) : options.spelling;
     if (spelling == Spelling::Hex) return hexSource(reader, options.skipJunk);
     if (spelling == Spelling::Base64) return base64Source(reader, options.skipJunk);
     return rawSource(reader);

@@ -19,8 +19,8 @@ bool takes(const ZynType& type, AsnTag own, AsnTag tag) {
 
 const ZynAlternative* alternativeWith(const ZynType& choice, AsnTag tag) {
     const auto* end = choice.alternatives + choice.alternativeCount;
-    const auto* found =
-        std::find_if(choice.alternatives, end, [&](const ZynAlternative& one) { return takes(*one.type, one.tag, tag); });
+    const auto* found = std::find_if(choice.alternatives, end,
+                                     [&](const ZynAlternative& one) { return takes(*one.type, one.tag, tag); });
     return found == end ? nullptr : found;
 }
 
@@ -31,15 +31,21 @@ Place placeOf(const std::string& prefix, const ZynAlternative& alternative) {
 std::string bitsText(const uint8_t* content, std::size_t length) {
     if (length == 0 || content[0] > 7 || (length == 1 && content[0] > 0)) return {};
     std::string text;
-    for (std::size_t i = 0; i < 8 * (length - 1) - content[0]; ++i) text += content[1 + i / 8] >> (7 - i % 8) & 1 ? '1' : '0';
+    for (std::size_t i = 0; i < 8 * (length - 1) - content[0]; ++i)
+        text += content[1 + i / 8] >> (7 - i % 8) & 1 ? '1' : '0';
     return text;
 }
 
 // Nothing in this frame lives on after a jump.
 bool readReal(const uint8_t* content, std::size_t length, double& value) {
     auto* start = const_cast<uint8_t*>(content);
-    SBuf b = {.dataStart = start, .dataEnd = start + length, .blkStart = start, .blkEnd = start + length,
-              .readLoc = start, .writeError = 1, .readError = 0};
+    SBuf b = {.dataStart = start,
+              .dataEnd = start + length,
+              .blkStart = start,
+              .blkEnd = start + length,
+              .readLoc = start,
+              .writeError = 1,
+              .readError = 0};
     AsnLen count = 0;
     jmp_buf env;
     if (setjmp(env)) return false;

@@ -15,10 +15,12 @@ std::string framing(const Frame& frame, const std::string& complaint) {
     case Frame::Misspelled: return complaint;
     case Frame::NoMessage: return "no message can begin so";
     case Frame::TooLong:
-        return "the message is said to have at least " + std::to_string(frame.claimed) + " octets, more than --limit allows";
+        return "the message is said to have at least " + std::to_string(frame.claimed) +
+               " octets, more than --limit allows";
     case Frame::Cut: break;
     }
-    const std::string there = std::to_string(frame.length) + (frame.length == 1 ? " octet is there" : " octets are there");
+    const std::string there =
+        std::to_string(frame.length) + (frame.length == 1 ? " octet is there" : " octets are there");
     if (frame.claimed == 0) return "the input ends before the message: only " + there;
     return "the message has " + std::to_string(frame.claimed) + " octets, and only " + there;
 }
@@ -86,9 +88,11 @@ void putAside(std::string& out, const Failed& failed) {
     json.key("start").number(static_cast<int64_t>(frame.position));
     json.key("channel").text(channelName(failed.channel));
     json.key("code").number(failure.code);
-    const std::pair<std::string_view, std::string_view> texts[] = {
-        {"module", failure.module}, {"record", failure.record}, {"field", failure.field},
-        {"path", failure.path},     {"reason", failure.text}};
+    const std::pair<std::string_view, std::string_view> texts[] = {{"module", failure.module},
+                                                                   {"record", failure.record},
+                                                                   {"field", failure.field},
+                                                                   {"path", failure.path},
+                                                                   {"reason", failure.text}};
     for (const auto& [name, value] : texts) {
         if (!value.empty()) json.key(name).text(value);
     }

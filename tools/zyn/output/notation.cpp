@@ -15,7 +15,8 @@ ssize_t append(void* to, const char* text, size_t length) {
 class NotationView : public View {
 public:
     // The library gathers what it prints itself, so that the stream needs no buffer.
-    NotationView() : stream(fopencookie(&target, "w", {.read = nullptr, .write = append, .seek = nullptr, .close = nullptr})) {
+    NotationView()
+        : stream(fopencookie(&target, "w", {.read = nullptr, .write = append, .seek = nullptr, .close = nullptr})) {
         if (!stream) throw std::bad_alloc();
         std::setvbuf(stream, nullptr, _IONBF, 0);
     }

@@ -72,7 +72,8 @@ void putPadded(std::string& out, std::string_view text, std::size_t width, bool 
 }
 
 void putPrintable(std::string& out, const uint8_t* octets, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) out += octets[i] >= ' ' && octets[i] <= '~' ? static_cast<char>(octets[i]) : '.';
+    for (std::size_t i = 0; i < count; ++i)
+        out += octets[i] >= ' ' && octets[i] <= '~' ? static_cast<char>(octets[i]) : '.';
 }
 
 } // namespace zyn::tool

@@ -10,7 +10,8 @@
 namespace zyn::tool {
 namespace {
 
-constexpr std::size_t octetsInLine = 10, octetsColumn = 43, tagColumn = 14, lengthColumn = 6, nameColumn = 24, typeColumn = 18;
+constexpr std::size_t octetsInLine = 10, octetsColumn = 43, tagColumn = 14, lengthColumn = 6, nameColumn = 24,
+                      typeColumn = 18;
 constexpr unsigned deepest = 40; // levels that are shown; no record has as many
 constexpr unsigned mostIndents = 6;
 constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
@@ -52,7 +53,8 @@ private:
         stopped = at >= bad || !header.complete || (header.indefinite && !header.isConstructed());
         const bool opens = header.isConstructed() && !deep && !stopped;
         std::string value;
-        if (whole && !header.isConstructed() && place.type) value = valueText(*place.type, octets + start, header.length);
+        if (whole && !header.isConstructed() && place.type)
+            value = valueText(*place.type, octets + start, header.length);
         row(at, depth, header, opens ? start : std::min(stopped && end == nowhere ? start : end, size), place, value);
         if (stopped) return at;
         if (opens) return children(start, end, depth + 1, Children(place));
@@ -78,7 +80,11 @@ private:
         out += "  ";
         std::size_t next = putOctets(at, end, at + header.octets, depth);
         putPadded(out, tagTitle(header.tag), tagColumn);
-        putPadded(out, !header.complete ? "?" : header.indefinite ? "open" : std::to_string(header.length), lengthColumn, true);
+        putPadded(out,
+                  !header.complete    ? "?"
+                  : header.indefinite ? "open"
+                                      : std::to_string(header.length),
+                  lengthColumn, true);
         out += "  ";
         out += stopped ? colours.bad : colours.name;
         putPadded(out, place.name.empty() && !place.type ? "?" : place.name, nameColumn);
@@ -88,7 +94,8 @@ private:
         if (value.empty() && !stopped) out += type;
         else putPadded(out, type, typeColumn);
         if (!value.empty()) out += colours.value + value + colours.off;
-        if (stopped) out += std::string(value.empty() ? "" : "  ") + colours.bad + "<- " + std::string(why) + colours.off;
+        if (stopped)
+            out += std::string(value.empty() ? "" : "  ") + colours.bad + "<- " + std::string(why) + colours.off;
         while (!out.empty() && out.back() == ' ') out.pop_back();
         out += '\n';
         while (next < end) {

@@ -14,7 +14,8 @@ class View {
 public:
     virtual ~View() = default;
     // Adds a message that was decoded into envelope.
-    virtual void show(std::string& out, ZynChannel channel, void* envelope, const uint8_t* octets, std::size_t length) = 0;
+    virtual void show(std::string& out, ZynChannel channel, void* envelope, const uint8_t* octets,
+                      std::size_t length) = 0;
     // Adds what can be shown of a message that failed at an offset, and why.
     virtual void showBad(std::string&, ZynChannel, const uint8_t*, std::size_t, std::size_t, std::string_view) {}
 };
