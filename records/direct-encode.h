@@ -122,7 +122,7 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     if (value - value != 0.0) return nullptr;
     uint8_t* const after = w;
     const RealParts parts = splitReal(value);
-    store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
+    store(w - 8, bigEndian(parts.mantissa));
     w -= parts.octets;
     store(w - 2, bigEndian(static_cast<uint16_t>(parts.exponent)));
     const unsigned exponentOctets = parts.exponent == static_cast<int8_t>(parts.exponent) ? 1 : 2;
@@ -147,7 +147,7 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     const RealParts parts = splitNormal(bits, stored);
     if (parts.exponent != static_cast<int8_t>(parts.exponent)) [[unlikely]]
         return pushRareReal(w, value, tag);
-    store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
+    store(w - 8, bigEndian(parts.mantissa));
     w -= parts.octets;
     const uint32_t sign = static_cast<uint32_t>(bits >> 63) << 6;
     const uint32_t exponent = static_cast<uint8_t>(parts.exponent);
