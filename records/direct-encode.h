@@ -118,7 +118,8 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
 
 // A REAL that is subnormal, or whose exponent takes two octets. Null: none that is finite, which is the exact way's
 // business.
-[[gnu::noinline, gnu::cold]] inline uint8_t* pushRareReal(uint8_t* w, double value, uint8_t tag) {
+[[gnu::noinline, gnu::cold]] inline uint8_t* pushRareReal(uint8_t* w, uint64_t bits, uint8_t tag) {
+    const auto value = std::bit_cast<double>(bits);
     if (value - value != 0.0) return nullptr;
     uint8_t* const after = w;
     const RealParts parts = splitReal(value);
@@ -134,10 +135,9 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     return w;
 }
 
-// A REAL with its length and a tag of one octet: whole octets of mantissa, the last one not 0, and most often an exponent
-// of one octet. Null: gave up.
-[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, double value, uint8_t tag) {
-    const uint64_t bits = std::bit_cast<uint64_t>(value);
+// A REAL, given as its bits, with its length and a tag of one octet: whole octets of mantissa, the last one not 0, and most
+// often an exponent of one octet. Null: gave up.
+[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, uint64_t bits, uint8_t tag) {
     if (bits << 1 == 0) {
         *--w = 0;
         *--w = tag;
@@ -146,11 +146,10 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
     const RealParts parts = splitNormal(bits, stored);
     if (parts.exponent != static_cast<int8_t>(parts.exponent)) [[unlikely]]
-        return pushRareReal(w, value, tag);
+        return pushRareReal(w, bits, tag);
     store(w - 8, bigEndian(parts.mantissa));
     w -= parts.octets;
-    const uint32_t sign = static_cast<uint32_t>(bits >> 63) << 6;
-    const uint32_t exponent = static_cast<uint8_t>(parts.exponent);
+    const uint32_t sign = static_cast<uint32_t>(bits >> 57) & 0x40, exponent = static_cast<uint32_t>(parts.exponent);
     store(w - 4, littleEndian(tag | (parts.octets + 2) << 8 | (0x80 | sign) << 16 | exponent << 24));
     return w - 4;
 }
@@ -217,7 +216,7 @@ template <TypeId id, std::size_t index>
         return pushOctet<row.tag>(w, *static_cast<const AsnBool*>(value) ? 0xFF : 0);
     } else if constexpr (row.kind == Kind::Real) {
         static_assert(tagOctets(row.tag) == 1);
-        return pushReal(w, *static_cast<const AsnReal*>(value), row.tag >> 24);
+        return pushReal(w, std::bit_cast<uint64_t>(*static_cast<const AsnReal*>(value)), row.tag >> 24);
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(value);
         if (!text->octs) {
