@@ -17,8 +17,10 @@
 
 namespace zyn::direct {
 
-// The widest store.
+// The widest store. Behind the fields of a record that is not small it is there still, room enough for the record's header
+// if its tag has one octet.
 inline constexpr std::size_t slack = 8;
+static_assert(slack >= 1 + longestLength);
 
 // Room is proved for the fields of a group at once, so that records with many OPTIONAL fields do not ask for much more
 // than they need.
@@ -116,8 +118,8 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     }
 }
 
-// A REAL that is subnormal, or whose exponent takes two octets. Null: none that is finite, which is the exact way's
-// business.
+// A REAL whose exponent takes two octets, as that of all subnormal ones does. Null: none that is finite, which is the exact
+// way's business.
 [[gnu::noinline, gnu::cold]] inline uint8_t* pushRareReal(uint8_t* w, uint64_t bits, uint8_t tag) {
     const auto value = std::bit_cast<double>(bits);
     if (value - value != 0.0) return nullptr;
@@ -126,9 +128,8 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     store(w - 8, bigEndian(parts.mantissa));
     w -= parts.octets;
     store(w - 2, bigEndian(static_cast<uint16_t>(parts.exponent)));
-    const unsigned exponentOctets = parts.exponent == static_cast<int8_t>(parts.exponent) ? 1 : 2;
-    w -= exponentOctets;
-    *--w = static_cast<uint8_t>((value < 0 ? 0xC0 : 0x80) + exponentOctets - 1);
+    w -= 2;
+    *--w = value < 0 ? 0xC1 : 0x81;
     const auto length = static_cast<uint8_t>(after - w);
     *--w = length;
     *--w = tag;
@@ -171,13 +172,15 @@ template <TypeId id> uint8_t* setOf(AsnList* list, uint8_t* w, uint8_t* begin) {
     for (; node && node->data; node = node->prev) {
         uint8_t* after = w;
         if constexpr (isSmall(element)) {
-            if (!hasRoom(w, begin, smallOctets(element) + 2 + slack)) return nullptr;
+            constexpr std::size_t needed = smallOctets(element) + 2 + slack;
+            if (!hasRoom(w, begin, needed)) return nullptr;
             w = sequence<element>(node->data, w, begin);
             if (!w) return nullptr;
             w = pushShortHeader<sequenceTag>(w, std::size_t(after - w));
         } else {
+            static_assert(!typeOf(element).fields.empty());
             w = sequence<element>(node->data, w, begin);
-            if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+            if (!w) return nullptr;
             w = pushHeader<sequenceTag>(w, std::size_t(after - w));
         }
     }
@@ -284,7 +287,6 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
     constexpr const Alternative& row = typeOf(id).alternatives[index];
     uint8_t* const after = w;
     if constexpr (row.kind == Kind::Int) {
-        if (!hasRoom(w, begin, slack)) return nullptr;
         w = pushInteger(w, record->number);
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(record->slot);
@@ -295,7 +297,10 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
         w = choice<row.type>(static_cast<const ChoiceRecord*>(record->slot), w, begin);
     } else if constexpr (!typeOf(row.type).fields.empty()) {
         if (!record->slot) return nullptr;
-        if (isSmall(row.type) && !hasRoom(w, begin, smallOctets(row.type) + slack)) return nullptr;
+        if constexpr (isSmall(row.type)) {
+            constexpr std::size_t needed = smallOctets(row.type) + slack;
+            if (!hasRoom(w, begin, needed)) return nullptr;
+        }
         w = sequence<row.type>(record->slot, w, begin);
     }
     if (!w || !hasRoom(w, begin, 3 + longestLength)) return nullptr;
@@ -313,6 +318,7 @@ inline constexpr auto alternativeEncoders = []<std::size_t... index>(std::index_
 }
 (std::make_index_sequence<typeOf(id).alternatives.size()>());
 
+// Slack is there, as in front of a field.
 template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
     constexpr auto& table = alternativeEncoders<id>;
     if (record->choiceId >= table.size() || !table[record->choiceId]) return nullptr;
@@ -323,10 +329,11 @@ template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_
     if (!infinitiesAreUsual()) [[unlikely]]
         return nullptr;
     if constexpr (typeOf(id).shape == Shape::Choice) {
-        return choice<id>(static_cast<const ChoiceRecord*>(message), end, begin);
+        return hasRoom(end, begin, slack) ? choice<id>(static_cast<const ChoiceRecord*>(message), end, begin) : nullptr;
     } else {
+        static_assert(!isSmall(id) && !typeOf(id).fields.empty());
         uint8_t* w = sequence<id>(message, end, begin);
-        if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+        if (!w) return nullptr;
         return pushHeader<sequenceTag>(w, std::size_t(end - w));
     }
 }
