@@ -137,7 +137,7 @@ void expectMessageExported(TypeId type, AsnLen (*encode)(SBuf*, T*), void (*deco
 }
 
 TEST(RoundTrips, ExportedOperationsOfMessages) {
-    ZynEncodeMemReset();
+    ZynEncodeMemAlloc(1); // makes the arena
     expectMessageExported(TypeId::ZynTransReq, BEncZynTransReq, BDecZynTransReq);
     expectMessageExported(TypeId::ZynQueryReq, BEncZynQueryReq, BDecZynQueryReq);
     expectMessageExported(TypeId::ZynTransRep, BEncZynTransRep, BDecZynTransRep);
