@@ -5,6 +5,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "api/setup.h"
 #include "api/way.h"
@@ -39,20 +40,24 @@ SBuf readBuffer(const uint8_t* message, uint32_t length) {
             .readError = 0};
 }
 
-// The finished octets stand at the end of the block; the caller finds them at its start. Short messages are loaded whole
-// before anything is stored, as both places may overlap; that spares them a call.
+// As std::memmove for at least half as many octets as chunks hold, and at most as many; without a call. All is loaded before
+// anything is stored, as both places may overlap, and so may the chunks counted from the start and those from the end.
+template <std::size_t... i>
+[[gnu::always_inline]] inline void moveChunks(uint8_t* to, const uint8_t* from, std::size_t length,
+                                              std::index_sequence<i...>) {
+    using Chunk [[gnu::vector_size(16)]] = uint64_t;
+    const Chunk first[] = {load<Chunk>(from + i * sizeof(Chunk))...};
+    const Chunk last[] = {load<Chunk>(from + length - (i + 1) * sizeof(Chunk))...};
+    (store(to + i * sizeof(Chunk), first[i]), ...);
+    (store(to + length - (i + 1) * sizeof(Chunk), last[i]), ...);
+}
+
+// The finished octets stand at the end of the block; the caller finds them at its start.
 [[gnu::always_inline]] inline uint32_t moveToStart(uint8_t* buffer, const uint8_t* start, const uint8_t* end) {
     const auto length = static_cast<uint32_t>(end - start);
-    struct Half {
-        uint64_t words[4];
-    };
-    if (length >= sizeof(Half) && length <= 2 * sizeof(Half)) {
-        const auto first = load<Half>(start), last = load<Half>(end - sizeof(Half));
-        store(buffer, first);
-        store(buffer + length - sizeof(Half), last);
-    } else if (start != buffer) {
-        std::memmove(buffer, start, length);
-    }
+    if (length >= 32 && length <= 64) moveChunks(buffer, start, length, std::make_index_sequence<2>());
+    else if (length > 64 && length <= 128) moveChunks(buffer, start, length, std::make_index_sequence<4>());
+    else if (start != buffer) std::memmove(buffer, start, length);
     return length;
 }
 

@@ -285,7 +285,8 @@ template <TypeId id, std::size_t index> [[gnu::always_inline]] inline bool strin
     constexpr std::size_t word = 8;
     const std::size_t length = walk.head >> 8;
     const uint8_t* end = walk.p() + 2 + length;
-    const bool near = mayStandFirst(id, index) && std::size_t(end - walk.source.begin) < word;
+    constexpr bool mayBeNear = mayStandFirst(id, index);
+    const bool near = mayBeNear && std::size_t(end - walk.source.begin) < word;
     if (length >= word || near || std::size_t(walk.source.blockEnd - walk.free) < word) [[unlikely]] {
         return walk.moveTo(string({walk.p() + 1, walk.free}, walk.rest() - 1, text, walk.source));
     }
@@ -314,8 +315,9 @@ template <TypeId id, std::size_t index, Room room>
         *static_cast<AsnInt*>(place) = length == 1 ? static_cast<int8_t>(*octets) : integerBefore(walk.p(), length);
         return true;
     } else if constexpr (row.kind == Kind::Bool) {
+        if (length != 1) return walk.failed();
         *static_cast<AsnBool*>(place) = *octets != 0;
-        return length == 1 ? true : walk.failed();
+        return true;
     } else {
         static_assert(row.kind == Kind::Real);
         return realAt(octets, length, static_cast<AsnReal*>(place)) ? true : walk.failed();
@@ -439,9 +441,10 @@ template <TypeId id> [[gnu::noinline, gnu::cold]] Cursor smallRecordAcross(Curso
 template <TypeId id, Room room> Cursor record(Cursor at, std::size_t rest, void* place, Source& source) {
     uint8_t* memory;
     if constexpr (isSmall(id)) {
+        constexpr std::size_t needed = smallArena(id);
         const std::size_t length = *at.p;
         if (length >= 0x80 || length >= rest) return giveUp(at);
-        if (room == Room::tested && std::size_t(source.blockEnd - at.free) < smallArena(id)) [[unlikely]] {
+        if (room == Room::tested && std::size_t(source.blockEnd - at.free) < needed) [[unlikely]] {
             return smallRecordAcross<id>(at, place, source);
         }
         take<Room::proved>(memory, at.free, typeOf(id).size, source);

@@ -17,8 +17,10 @@
 
 namespace zyn::direct {
 
-// The widest store.
+// The widest store. Behind the fields of a record that is not small it is there still, room enough for the record's header
+// if its tag has one octet.
 inline constexpr std::size_t slack = 8;
+static_assert(slack >= 1 + longestLength);
 
 // Room is proved for the fields of a group at once, so that records with many OPTIONAL fields do not ask for much more
 // than they need.
@@ -116,28 +118,27 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     }
 }
 
-// A REAL that is subnormal, or whose exponent takes two octets. Null: none that is finite, which is the exact way's
-// business.
-[[gnu::noinline, gnu::cold]] inline uint8_t* pushRareReal(uint8_t* w, double value, uint8_t tag) {
+// A REAL whose exponent takes two octets, as that of all subnormal ones does. Null: none that is finite, which is the exact
+// way's business.
+[[gnu::noinline, gnu::cold]] inline uint8_t* pushRareReal(uint8_t* w, uint64_t bits, uint8_t tag) {
+    const auto value = std::bit_cast<double>(bits);
     if (value - value != 0.0) return nullptr;
     uint8_t* const after = w;
     const RealParts parts = splitReal(value);
-    store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
+    store(w - 8, bigEndian(parts.mantissa));
     w -= parts.octets;
     store(w - 2, bigEndian(static_cast<uint16_t>(parts.exponent)));
-    const unsigned exponentOctets = parts.exponent == static_cast<int8_t>(parts.exponent) ? 1 : 2;
-    w -= exponentOctets;
-    *--w = static_cast<uint8_t>((value < 0 ? 0xC0 : 0x80) + exponentOctets - 1);
+    w -= 2;
+    *--w = value < 0 ? 0xC1 : 0x81;
     const auto length = static_cast<uint8_t>(after - w);
     *--w = length;
     *--w = tag;
     return w;
 }
 
-// A REAL with its length and a tag of one octet: whole octets of mantissa, the last one not 0, and most often an exponent
-// of one octet. Null: gave up.
-[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, double value, uint8_t tag) {
-    const uint64_t bits = std::bit_cast<uint64_t>(value);
+// A REAL, given as its bits, with its length and a tag of one octet: whole octets of mantissa, the last one not 0, and most
+// often an exponent of one octet. Null: gave up.
+[[gnu::always_inline]] inline uint8_t* pushReal(uint8_t* w, uint64_t bits, uint8_t tag) {
     if (bits << 1 == 0) {
         *--w = 0;
         *--w = tag;
@@ -146,11 +147,10 @@ template <AsnTag tag> [[gnu::always_inline]] inline uint8_t* pushOctet(uint8_t* 
     const auto stored = static_cast<int32_t>(bits >> significandBits & 0x7FF);
     const RealParts parts = splitNormal(bits, stored);
     if (parts.exponent != static_cast<int8_t>(parts.exponent)) [[unlikely]]
-        return pushRareReal(w, value, tag);
-    store(w - 8, bigEndian(parts.mantissa >> (64 - 8 * parts.octets)));
+        return pushRareReal(w, bits, tag);
+    store(w - 8, bigEndian(parts.mantissa));
     w -= parts.octets;
-    const uint32_t sign = static_cast<uint32_t>(bits >> 63) << 6;
-    const uint32_t exponent = static_cast<uint8_t>(parts.exponent);
+    const uint32_t sign = static_cast<uint32_t>(bits >> 57) & 0x40, exponent = static_cast<uint32_t>(parts.exponent);
     store(w - 4, littleEndian(tag | (parts.octets + 2) << 8 | (0x80 | sign) << 16 | exponent << 24));
     return w - 4;
 }
@@ -172,13 +172,15 @@ template <TypeId id> uint8_t* setOf(AsnList* list, uint8_t* w, uint8_t* begin) {
     for (; node && node->data; node = node->prev) {
         uint8_t* after = w;
         if constexpr (isSmall(element)) {
-            if (!hasRoom(w, begin, smallOctets(element) + 2 + slack)) return nullptr;
+            constexpr std::size_t needed = smallOctets(element) + 2 + slack;
+            if (!hasRoom(w, begin, needed)) return nullptr;
             w = sequence<element>(node->data, w, begin);
             if (!w) return nullptr;
             w = pushShortHeader<sequenceTag>(w, std::size_t(after - w));
         } else {
+            static_assert(!typeOf(element).fields.empty());
             w = sequence<element>(node->data, w, begin);
-            if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+            if (!w) return nullptr;
             w = pushHeader<sequenceTag>(w, std::size_t(after - w));
         }
     }
@@ -217,7 +219,7 @@ template <TypeId id, std::size_t index>
         return pushOctet<row.tag>(w, *static_cast<const AsnBool*>(value) ? 0xFF : 0);
     } else if constexpr (row.kind == Kind::Real) {
         static_assert(tagOctets(row.tag) == 1);
-        return pushReal(w, *static_cast<const AsnReal*>(value), row.tag >> 24);
+        return pushReal(w, std::bit_cast<uint64_t>(*static_cast<const AsnReal*>(value)), row.tag >> 24);
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(value);
         if (!text->octs) {
@@ -285,7 +287,6 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
     constexpr const Alternative& row = typeOf(id).alternatives[index];
     uint8_t* const after = w;
     if constexpr (row.kind == Kind::Int) {
-        if (!hasRoom(w, begin, slack)) return nullptr;
         w = pushInteger(w, record->number);
     } else if constexpr (row.kind == Kind::Octs) {
         const auto* text = static_cast<const AsnOcts*>(record->slot);
@@ -296,7 +297,10 @@ template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord*
         w = choice<row.type>(static_cast<const ChoiceRecord*>(record->slot), w, begin);
     } else if constexpr (!typeOf(row.type).fields.empty()) {
         if (!record->slot) return nullptr;
-        if (isSmall(row.type) && !hasRoom(w, begin, smallOctets(row.type) + slack)) return nullptr;
+        if constexpr (isSmall(row.type)) {
+            constexpr std::size_t needed = smallOctets(row.type) + slack;
+            if (!hasRoom(w, begin, needed)) return nullptr;
+        }
         w = sequence<row.type>(record->slot, w, begin);
     }
     if (!w || !hasRoom(w, begin, 3 + longestLength)) return nullptr;
@@ -314,6 +318,7 @@ inline constexpr auto alternativeEncoders = []<std::size_t... index>(std::index_
 }
 (std::make_index_sequence<typeOf(id).alternatives.size()>());
 
+// Slack is there, as in front of a field.
 template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
     constexpr auto& table = alternativeEncoders<id>;
     if (record->choiceId >= table.size() || !table[record->choiceId]) return nullptr;
@@ -324,10 +329,11 @@ template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_
     if (!infinitiesAreUsual()) [[unlikely]]
         return nullptr;
     if constexpr (typeOf(id).shape == Shape::Choice) {
-        return choice<id>(static_cast<const ChoiceRecord*>(message), end, begin);
+        return hasRoom(end, begin, slack) ? choice<id>(static_cast<const ChoiceRecord*>(message), end, begin) : nullptr;
     } else {
+        static_assert(!isSmall(id) && !typeOf(id).fields.empty());
         uint8_t* w = sequence<id>(message, end, begin);
-        if (!w || !hasRoom(w, begin, 1 + longestLength)) return nullptr;
+        if (!w) return nullptr;
         return pushHeader<sequenceTag>(w, std::size_t(end - w));
     }
 }

@@ -31,7 +31,7 @@ bool inSequence(Failure& failure, const Type& type, const void* record) {
 
 // The elements that are sent are those from the last one back to a null data word, or to the first one.
 bool inList(Failure& failure, const Type& type, const AsnList* list) {
-    if (!list || list->count == 0) return false;
+    if (list->count == 0) return false;
     const AsnListNode* node = nullptr;
     for (const AsnListNode* n = list->last; n && n->data; n = n->prev) node = n;
     for (std::size_t i = 0; node; node = node->next, ++i) {
@@ -58,19 +58,14 @@ bool isUnsendable(Failure& failure, Kind kind, TypeId id, const void* value) {
     case Kind::Bits: return !hasWireForm(*static_cast<const AsnBits*>(value));
     case Kind::Sequence: return inSequence(failure, typeOf(id), value);
     case Kind::SetOf: return inList(failure, typeOf(id), static_cast<const AsnList*>(value));
-    case Kind::Choice: return inChoice(failure, typeOf(id), static_cast<const ChoiceRecord*>(value));
+    default: return inChoice(failure, typeOf(id), static_cast<const ChoiceRecord*>(value));
     }
-    return false;
 }
 
+// Of what travels on its own: messages, and texts.
 Kind kindOf(const Type& type) {
-    switch (type.shape) {
-    case Shape::Sequence: return Kind::Sequence;
-    case Shape::SetOf: return Kind::SetOf;
-    case Shape::Choice: return Kind::Choice;
-    case Shape::Primitive: return Kind::Octs; // the only one that travels on its own
-    }
-    return Kind::Octs;
+    if (type.shape == Shape::Primitive) return Kind::Octs;
+    return type.shape == Shape::Sequence ? Kind::Sequence : Kind::Choice;
 }
 
 } // namespace

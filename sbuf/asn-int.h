@@ -7,8 +7,9 @@ namespace zyn {
 
 // The octets that a value takes in two's complement, 1 to 4 (X.690 8.3.2).
 inline unsigned signedOctets(int32_t value) {
-    const auto magnitude = static_cast<uint32_t>(value ^ (value >> 31)) | 1; // no 0, which has no highest bit
-    return (32 - static_cast<unsigned>(std::countl_zero(magnitude))) / 8 + 1;
+    // The bits that differ from the sign, with room for it, and never 0, which has no highest bit.
+    const uint32_t bits = static_cast<uint32_t>(value ^ (value >> 31)) * 2 + 1;
+    return (31 ^ static_cast<unsigned>(std::countl_zero(bits))) / 8 + 1;
 }
 
 } // namespace zyn

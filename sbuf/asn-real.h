@@ -22,8 +22,8 @@ inline double powerOfTwo(int64_t e) {
     return e < smallest ? 0.0 : std::bit_cast<double>(uint64_t{1} << (e - smallest));
 }
 
-// A finite value other than 0 without its sign: octets whole octets of mantissa, left-justified, the first one at least
-// 0x80 and the last one not 0; read as an integer they make the value with exponent.
+// A finite value other than 0 without its sign, as mantissa times 2 to the power of exponent: octets whole octets of
+// mantissa, the first one at least 0x80 and the last one not 0.
 struct RealParts {
     uint64_t mantissa;
     unsigned octets;
@@ -33,8 +33,8 @@ struct RealParts {
 // The parts of a normal value from its bits and its stored exponent.
 inline RealParts splitNormal(uint64_t bits, int32_t stored) {
     const uint64_t mantissa = bits << (63 - significandBits) | uint64_t{1} << 63;
-    const unsigned octets = 8 - static_cast<unsigned>(std::countr_zero(mantissa)) / 8;
-    return {mantissa, octets, stored - exponentBias + 1 - 8 * static_cast<int32_t>(octets)};
+    const int excess = std::countr_zero(mantissa) & ~7; // bits of the octets that are 0
+    return {mantissa >> excess, 8 - static_cast<unsigned>(excess) / 8, stored - exponentBias - 63 + excess};
 }
 
 inline RealParts splitReal(double value) {

@@ -51,13 +51,12 @@ template <typename Value> void putNumber(TextOut& out, Value value) {
 } // namespace
 
 void TextOut::put(std::string_view text) {
-    if (text.size() > sizeof buffer) {
-        flush();
-        std::fwrite(text.data(), 1, text.size(), stream);
-        return;
+    while (!text.empty()) {
+        const std::size_t piece = std::min(text.size(), sizeof buffer);
+        std::copy_n(text.begin(), piece, room(piece));
+        used += piece;
+        text.remove_prefix(piece);
     }
-    std::copy(text.begin(), text.end(), room(text.size()));
-    used += text.size();
 }
 
 void TextOut::spaces(unsigned n) {

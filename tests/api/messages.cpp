@@ -1,7 +1,10 @@
 // The entry points: whole messages, and what a call does to the arena.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <memory>
 
 #include "api/way.h"
 #include "tests/support/hex.h"
@@ -90,6 +93,21 @@ TEST_F(Messages, RoomIsNeededToTheOctet) {
     EXPECT_EQ(ZynTextStrEncode(&good.infoMessage, buffer, 3), 0u);
 }
 
+// The block is never touched behind its head, as the bits are refused before they are copied.
+TEST_F(Messages, MoreBitsThan31BitsCount) {
+    const auto head = hex("BF 82 05 84 10 00 00 0E 30 00 04 00 0A 01 01 03 84 10 00 00 01 00");
+    const std::size_t length = head.size() + (1u << 28);
+    const std::unique_ptr<void, void (*)(void*)> block(std::calloc(length, 1), std::free);
+    ASSERT_NE(block, nullptr);
+    auto* octets = static_cast<uint8_t*>(block.get());
+    std::copy(head.begin(), head.end(), octets);
+    for (const bool direct : {true, false}) {
+        zyn::directAllowed = direct;
+        ZynQueryRep reply;
+        EXPECT_EQ(ZynQueryReplyDecode(octets, static_cast<uint32_t>(length), &reply), ZYN_E_BITS_TOO_MANY);
+    }
+}
+
 // All twelve characters, or fewer with blanks behind them; blanks in front and in the middle are the sender's.
 TEST_F(Messages, SendersOfEveryLength) {
     const std::string name = "A BCDEFGHIJK";
@@ -127,6 +145,9 @@ TEST_F(Messages, WhatACallDoesToTheArena) {
     EXPECT_GT(free(), 0u) << "so does the text encoder";
     EXPECT_EQ(ZynTransReplyEncode(nullptr, 0, buffer, 2), 2u);
     EXPECT_EQ(free(), 0u) << "a successful Encode resets it";
+    ServiceNibbleFault(1);
+    EXPECT_EQ(ZynTransReplyEncode(nullptr, 0, buffer, 2), 2u);
+    EXPECT_EQ(nmG->firstNibbleBuf->next, nullptr) << "and gives back a block from which nothing was taken";
     ZynEncodeMemAlloc(100);
     EXPECT_EQ(ZynTextStrDecode(buffer, 0, &text), -26);
     EXPECT_EQ(free(), 0u) << "any Decode resets it first, whether it succeeds or not";

@@ -124,6 +124,33 @@ TEST(EncodeFailures, NoRoomTellsHowMuchIsNeeded) {
     }
 }
 
+// What looks like a fault and can be sent all the same is not the reason.
+TEST(EncodeFailures, OfNothingButRoom) {
+    const AsnReal plus = PLUS_INFINITY, minus = MINUS_INFINITY;
+    InitAsnInfinity();
+    AsnFixedReal highest{PLUS_INFINITY, nullptr}, lowest{MINUS_INFINITY, nullptr};
+    ZynIndexValRepSetOfSeq element{&highest, &lowest, &lowest};
+    AsnListNode node{nullptr, nullptr, &element}, gap{nullptr, nullptr, nullptr};
+    AsnList infinities{&node, &node, nullptr, 1, sizeof(void*)}, onlyAGap{&gap, &gap, nullptr, 1, sizeof(void*)};
+    const struct {
+        AsnList* list;
+        const char* what;
+    } lists[] = {{nullptr, "no list"}, {&onlyAGap, "a node without an element"}, {&infinities, "infinities"}};
+    uint8_t block[4];
+    ZynFailure failure;
+    for (const auto& row : lists) {
+        ZynIndexValRep values{row.list};
+        EXPECT_EQ(ZynQueryReplyEncode(&values, 270, block, 1), 0u);
+        ASSERT_EQ(ZynLastFailure(&failure), 1);
+        EXPECT_EQ(failure.code, ZYN_E_NO_ROOM) << row.what;
+    }
+    EXPECT_EQ(ZynTransRequestEncode(user, nullptr, 9999, block, sizeof block), 0u);
+    ASSERT_EQ(ZynLastFailure(&failure), 1);
+    EXPECT_EQ(failure.code, ZYN_E_NO_ROOM) << "a request of an unknown number is sent without a message";
+    PLUS_INFINITY = plus;
+    MINUS_INFINITY = minus;
+}
+
 // A message that does not fit and could not be sent anyway: more room is of no use.
 TEST(EncodeFailures, NoWireFormCountsMoreThanNoRoom) {
     ZynUserLogon logon = {};

@@ -145,6 +145,10 @@ TEST_F(Sentences, OfDecodes) {
          "-1 Board.ZynBoardRep.orderMethods boardRep.orderMethods @15: a component of a constructed BIT STRING that is "
          "not "
          "the last has unused bits: expected BIT STRING (03) in orderMethods, found BIT STRING (03) of 2 octets"},
+        {query, "BF 82 05 80 30 80 00 00 04 00 0A 01 01 23 80 03 03 00 F0",
+         "-2 Board.ZynBoardRep.orderMethods boardRep.orderMethods @19: the data end inside a component of a BIT "
+         "STRING: "
+         "expected BIT STRING (03) in orderMethods, found BIT STRING (03) of 3 octets, then the end of the data"},
         {query, "BF 82 05 80 30 80 00 00 04 00 0A 01 01 23 80 03 02 09 F0 00 00 00 00",
          "-43 Board.ZynBoardRep.orderMethods boardRep.orderMethods @13: a BIT STRING counts more than 7 unused bits, "
          "or more "

@@ -132,6 +132,12 @@ TEST_F(Printing, WorkedExamples) {
     EXPECT_EQ(written([&](FILE* f) { PrintZynNull(f, &empty, 2); }), "{ -- SEQUENCE --\n  }");
     ZynPricePointList list{};
     EXPECT_EQ(written([&](FILE* f) { PrintZynPricePointList(f, &list, 0); }), "{ -- SET OF -- \n\n}");
+    ZynPricePoint point{};
+    AsnListNode rest{nullptr, nullptr, &point}, gap{nullptr, &rest, nullptr};
+    list = {&gap, &rest, nullptr, 2, sizeof(void*)};
+    EXPECT_EQ(written([&](FILE* f) { PrintZynPricePointList(f, &list, 0); }), "{ -- SET OF -- \n\n}")
+        << "a node without an element ends the walk";
+    EXPECT_EQ(list.curr, &gap);
     AsnDateTime time{5, 7};
     EXPECT_EQ(written([&](FILE* f) { PrintAsnDateTime(f, &time, 65534); }),
               "{ -- SEQUENCE --\n  date 5,\n  time 7\n" + std::string(65534, ' ') + "}")

@@ -113,5 +113,36 @@ TEST(RoundTrips, ExportedOperations) {
 #undef EXPECT_EXPORTED
 }
 
+// The exported operations of a message: with tag and length, which the decoder reads itself.
+template <typename T>
+void expectMessageExported(TypeId type, AsnLen (*encode)(SBuf*, T*), void (*decode)(SBuf*, T*, AsnLen*, jmp_buf)) {
+    Sampler sampler(7, {100, 20, 3});
+    auto* sent = static_cast<T*>(sampler.make(type));
+    std::vector<uint8_t> block(1 << 16);
+    SBuf out = writingBuffer(block.data(), block.size());
+    const AsnLen length = encode(&out, sent);
+    const Octets octets(out.dataStart, out.dataEnd);
+    EXPECT_EQ(length, octets.size());
+    EXPECT_EQ(octets, Writer().message(type, sent));
+    for (const std::size_t given : {octets.size(), octets.size() - 1}) {
+        T decoded = {};
+        AsnLen read = 0;
+        SBuf in = readingBuffer(out.dataStart, given);
+        const int code = caught([&](jmp_buf env) { decode(&in, &decoded, &read, env); }).code;
+        EXPECT_EQ(code == 0, given == octets.size()) << typeOf(type).name << ", " << code;
+        if (code != 0) continue;
+        EXPECT_EQ(read, octets.size());
+        EXPECT_EQ(difference(type, sent, &decoded), "") << typeOf(type).name;
+    }
+}
+
+TEST(RoundTrips, ExportedOperationsOfMessages) {
+    ZynEncodeMemAlloc(1); // makes the arena
+    expectMessageExported(TypeId::ZynTransReq, BEncZynTransReq, BDecZynTransReq);
+    expectMessageExported(TypeId::ZynQueryReq, BEncZynQueryReq, BDecZynQueryReq);
+    expectMessageExported(TypeId::ZynTransRep, BEncZynTransRep, BDecZynTransRep);
+    expectMessageExported(TypeId::ZynQueryRep, BEncZynQueryRep, BDecZynQueryRep);
+}
+
 } // namespace
 } // namespace zyn::test

@@ -181,6 +181,40 @@ TEST_F(TwoWaysTest, MessagesWithTheContentOfOneElementChanged) {
     EXPECT_GT(refused, 10000u);
 }
 
+// Lengths fit, and each record in turn ends behind one of its elements or inside it: in the tag, the length, the value, or
+// behind a value without octets. What stands round the record goes on, or ends there too, so that a sanitizer sees any octet
+// that is read behind it.
+TEST_F(TwoWaysTest, RecordsThatEndInAnElement) {
+    const auto endEach = [&](auto& self, const Channel& channel, Elements& message, Elements& level, bool all) -> void {
+        for (std::size_t i = 0; i < level.size(); ++i) {
+            const Elements was = level;
+            const Octets last = written({level[i]});
+            std::vector<Octets> ends{last, level[i].tag};
+            ends.back().push_back(0);
+            for (std::size_t length = 1; length < std::min<std::size_t>(last.size(), 5); ++length) {
+                ends.emplace_back(last.begin(), last.begin() + static_cast<std::ptrdiff_t>(length));
+            }
+            level.resize(i + 1);
+            for (const Octets& end : ends) {
+                level[i] = {};
+                level[i].content = end;
+                receiveAnything(channel, written(message));
+            }
+            level[i] = was[i];
+            if (!all) level = was;
+            self(self, channel, message, level[i].parts, all);
+            level = was;
+        }
+    };
+    forAllMessages(2, {{50, 12, 2}, {100, 5, 1}}, [&](auto& channel, auto* choice, const Octets& octets) {
+        Elements message = parse(octets);
+        for (const bool all : {false, true}) endEach(endEach, channel, message, message, all);
+        receive(channel, choice, octets);
+    });
+    EXPECT_GT(accepted, 1000u);
+    EXPECT_GT(refused, 10000u);
+}
+
 TEST_F(TwoWaysTest, MessagesPutTogetherFromPartsOfOthers) {
     Random random(2);
     Octets previous{0x30, 0x80, 0x00};
@@ -251,6 +285,23 @@ TEST_F(TwoWaysTest, LongTexts) {
     }
 }
 
+TEST_F(TwoWaysTest, LongBitStrings) {
+    const Channel& channel = channelOf(TypeId::ZynQueryRep);
+    Sampler sampler(1);
+    ChoiceRecord* choice = sampler.make(channel.choice, *alternativeOf(typeOf(channel.choice), 261));
+    for (const int32_t bitLen : {0, 1007, 1008, 1009, 1016, 1017, 20000}) {
+        SCOPED_TRACE(bitLen);
+        std::vector<uint8_t> bits(2500, 0xB7);
+        static_cast<ZynBoardRep*>(choice->slot)->orderMethods = {bitLen, bits.data()};
+        const Octets octets = messageOf(channel, user, choice);
+        sendDirectly(channel, choice, octets);
+        for (std::size_t room = 0; room < octets.size(); ++room) {
+            ASSERT_TRUE(ways.encode(channel, user, choice, static_cast<uint32_t>(room)).empty()) << room;
+        }
+        ASSERT_EQ(ways.problem, "");
+    }
+}
+
 // Words are loaded that end with a short text; none may begin before the message.
 TEST_F(TwoWaysTest, ShortTextsAtTheStart) {
     uint8_t text[10] = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j'};
@@ -288,6 +339,10 @@ TEST_F(TwoWaysTest, WhatCannotBeSent) {
                     continue;
                 }
                 expectNothing(choice, field.name);
+                if (field.kind == Kind::Bits && !field.optional) {
+                    *static_cast<AsnBits*>(member) = {8, nullptr};
+                    expectNothing(choice, field.name);
+                }
             }
             ChoiceRecord unset{row.number, {.slot = nullptr}};
             if (!type.fields.empty()) expectNothing(&unset, "unset");

@@ -219,6 +219,9 @@ TEST(BitOperations, StayInsideTheString) {
         EXPECT_EQ(GetAsnBit(&v, 3), 0) << none;
     }
     FreeAsnBits(&v);
+    AsnOcts text{2, octets};
+    FreeAsnOcts(&text);
+    EXPECT_EQ(text.octs, octets) << "what lies in an arena, or is a caller's own, is not given back one by one";
     EXPECT_EQ(toHex(octets, 2), "00 1F");
 }
 

@@ -30,7 +30,7 @@ Value valueOf(const TypeUse& use) {
 // The value of a field, which is there or is not looked at.
 std::string read(const Member& field) {
     const Value value = valueOf(field.use);
-    const std::string place = "record_->" + field.name;
+    std::string place = "record_->" + field.name;
     if (field.optional) {
         switch (field.use.kind) {
         case Kind::Boolean: return "detail::optionalBool(" + place + ")";
@@ -133,7 +133,7 @@ void addSequence(Text& text, const Type& type) {
 // What an alternative holds, of a choice that is called by its expression.
 std::string alternativeValue(const Member& alternative, const std::string& choice) {
     const Value value = valueOf(alternative.use);
-    const std::string place = choice + alternative.name;
+    std::string place = choice + alternative.name;
     if (!value.record && !isString(alternative.use.kind)) return place;
     const bool empty = alternative.use.kind == Kind::Sequence && alternative.use.type->members.empty();
     if (empty) return value.type + "(" + place + " ? *" + place + " : detail::empty<" + alternative.use.name + ">)";
