@@ -421,7 +421,8 @@ template <TypeId id, Room room>
 [[gnu::always_inline]] inline Cursor sequence(Cursor at, std::size_t length, void* record, Source& source) {
     constexpr std::size_t count = typeOf(id).fields.size();
     if constexpr (count > 0) {
-        if (length < 2) return typeOf(id).tail == 0 && length == 0 ? at : giveUp(at);
+        constexpr bool mayBeEmpty = typeOf(id).tail == 0;
+        if (length < 2) return mayBeEmpty && length == 0 ? at : giveUp(at);
         Walk walk{at.p + length, -static_cast<std::ptrdiff_t>(length), at.free, source};
         walk.readHead();
         fields<id, room>(walk, record, std::make_index_sequence<count>());
