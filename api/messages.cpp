@@ -110,14 +110,15 @@ template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t leng
     emptyArena(*arena);
     const direct::Outcome outcome =
         mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
-    if (outcome == direct::Outcome::GaveUp) {
-        ResetNibbleMem();
-        return decodeExact(id, buffer, length, envelope);
-    }
-    tellWay(Way::Direct);
-    if (outcome == direct::Outcome::Done) [[likely]]
+    if (outcome == direct::Outcome::Done) [[likely]] {
+        tellWay(Way::Direct);
         return 0;
-    return startFailure(ZYN_E_NO_MEMORY).code;
+    }
+    ResetNibbleMem();
+    const int32_t code = decodeExact(id, buffer, length, envelope);
+    // Memory that was refused once may be given the second time; that is no success.
+    if (code == 0 && outcome == direct::Outcome::NoMemory) return startFailure(ZYN_E_NO_MEMORY).code;
+    return code;
 }
 
 // The 12 characters that a request's sender gives, without the blanks at their end: what ZynTextStrSet makes of them.

@@ -421,7 +421,8 @@ template <TypeId id, Room room>
 [[gnu::always_inline]] inline Cursor sequence(Cursor at, std::size_t length, void* record, Source& source) {
     constexpr std::size_t count = typeOf(id).fields.size();
     if constexpr (count > 0) {
-        if (length < 2) return typeOf(id).tail == 0 && length == 0 ? at : giveUp(at);
+        constexpr bool mayBeEmpty = typeOf(id).tail == 0;
+        if (length < 2) return mayBeEmpty && length == 0 ? at : giveUp(at);
         Walk walk{at.p + length, -static_cast<std::ptrdiff_t>(length), at.free, source};
         walk.readHead();
         fields<id, room>(walk, record, std::make_index_sequence<count>());
@@ -511,19 +512,15 @@ inline constexpr auto alternativesByNumber = []<std::size_t... index>(std::index
 (std::make_index_sequence<typeOf(id).alternatives.size()>());
 
 template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source) {
+    static_assert(std::ranges::none_of(typeOf(id).alternatives, [](auto& row) { return tagOctets(row.tag) == 2; }));
     if (rest < 4 && (rest < 2 || (*at.p & 0x1F) == 0x1F)) return giveUp(at);
     AsnTag tag = AsnTag{at.p[0]} << 24;
     uint32_t number = at.p[0] & 0x1F;
     std::size_t octets = 1;
     if (number == 0x1F) {
-        tag |= AsnTag{at.p[1]} << 16;
-        number = at.p[1] & 0x7F;
-        octets = 2;
-        if (at.p[1] & 0x80) {
-            tag |= AsnTag{at.p[2]} << 8;
-            number = number << 7 | (at.p[2] & 0x7F);
-            octets = 3;
-        }
+        tag |= AsnTag{at.p[1]} << 16 | AsnTag{at.p[2]} << 8;
+        number = static_cast<uint32_t>(at.p[1] & 0x7F) << 7 | (at.p[2] & 0x7F);
+        octets = 3;
     }
     constexpr auto& table = alternativesByNumber<id>;
     if (number >= table.size() || table[number].tag != tag || !table[number].decoder) return giveUp(at);

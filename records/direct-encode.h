@@ -285,6 +285,8 @@ template <TypeId id> uint8_t* sequence(const void* record, uint8_t* w, uint8_t* 
 // One alternative with its length and tag.
 template <TypeId id, std::size_t index> uint8_t* alternative(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
     constexpr const Alternative& row = typeOf(id).alternatives[index];
+    // A number finds the slack that was proved in front of the field that holds the choice.
+    static_assert(!typeOf(id).message || (row.kind != Kind::Int && row.kind != Kind::Choice));
     uint8_t* const after = w;
     if constexpr (row.kind == Kind::Int) {
         w = pushInteger(w, record->number);
@@ -318,7 +320,6 @@ inline constexpr auto alternativeEncoders = []<std::size_t... index>(std::index_
 }
 (std::make_index_sequence<typeOf(id).alternatives.size()>());
 
-// Slack is there, as in front of a field.
 template <TypeId id> uint8_t* choice(const ChoiceRecord* record, uint8_t* w, uint8_t* begin) {
     constexpr auto& table = alternativeEncoders<id>;
     if (record->choiceId >= table.size() || !table[record->choiceId]) return nullptr;
@@ -329,7 +330,7 @@ template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_
     if (!infinitiesAreUsual()) [[unlikely]]
         return nullptr;
     if constexpr (typeOf(id).shape == Shape::Choice) {
-        return hasRoom(end, begin, slack) ? choice<id>(static_cast<const ChoiceRecord*>(message), end, begin) : nullptr;
+        return choice<id>(static_cast<const ChoiceRecord*>(message), end, begin);
     } else {
         static_assert(!isSmall(id) && !typeOf(id).fields.empty());
         uint8_t* w = sequence<id>(message, end, begin);

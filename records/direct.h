@@ -16,8 +16,8 @@ namespace zyn::direct {
 enum class Outcome { Done, GaveUp, NoMemory };
 
 // decode reads the message at buffer into *message, a structure of type id. However it ends, the arena's cursor stands
-// behind all memory that was written, so that a reset clears it. The arena must be set up, and empty. When memory is refused
-// there is nothing to try again: the exact way asks for the same memory at the same octet, and fails.
+// behind all memory that was written, so that a reset clears it. The arena must be set up, and empty. It may ask for
+// memory earlier than the exact way does; when that is refused, the exact way tells whether it would have come so far.
 template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message);
 
 // encode writes the message of type id backwards from end and returns where it starts, or null: gave up. No octet

@@ -43,8 +43,9 @@ uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
 }
 
 void decodeConstructed(SBuf* b, AsnLen len, AsnBits* result, AsnLen* bytesDecoded, jmp_buf env) {
-    const unsigned unused = zyn::gatherPieces(b, len, components, bytesDecoded, env);
+    unsigned unused = zyn::gatherPieces(b, len, components, bytesDecoded, env);
     const uint32_t octets = zyn::currentStrStk().totalByteLen;
+    if (b->readError && octets == 0) unused = 0; // the data ended before the count; what is read next fails
     result->bitLen = bitLength(octets, unused, env);
     result->bits = allocateOctets(octets, env);
     zyn::copyPieces(result->bits);

@@ -76,7 +76,8 @@ AsnLen BEncAsnRealContent(SBuf* b, AsnReal* value) {
     }
     const zyn::RealParts parts = zyn::splitReal(v);
     uint8_t mantissa[8];
-    for (unsigned i = 0; i < parts.octets; ++i) mantissa[i] = static_cast<uint8_t>(parts.mantissa >> (8 * (parts.octets - 1 - i)));
+    for (unsigned i = 0; i < parts.octets; ++i)
+        mantissa[i] = static_cast<uint8_t>(parts.mantissa >> (8 * (parts.octets - 1 - i)));
     SBufPushSeg(b, mantissa, parts.octets);
     const unsigned exponentOctets = zyn::signedOctets(parts.exponent); // 1 or 2 for any double
     int32_t exponent = parts.exponent;

@@ -35,7 +35,10 @@ void putText(TextOut& out, const uint8_t* octets, std::size_t count) {
     while (count > 0) {
         const std::size_t piece = std::min(count, pieceOctets);
         char* to = out.room(piece);
-        for (std::size_t i = 0; i < piece; ++i) to[i] = std::isprint(octets[i]) ? static_cast<char>(octets[i]) : '.';
+        for (std::size_t i = 0; i < piece; ++i) {
+            const auto character = static_cast<signed char>(octets[i]); // FF is no character, whatever the locale
+            to[i] = std::isprint(character) ? static_cast<char>(character) : '.';
+        }
         out.used += piece;
         octets += piece;
         count -= piece;

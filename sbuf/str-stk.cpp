@@ -82,10 +82,9 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
     for (;;) {
         const uint8_t* component = failure.component = b->readLoc;
         const AsnTag tag = nextTag(b, &count, env);
-        bool ended = false;
+        bool ended = true;
         if (tag == 0 && length == IndefiniteLen) {
             eocSecondOctet(b, &count, env);
-            ended = true;
         } else {
             const AsnLen componentLength = nextLength(b, &count, env);
             if (tag == rules.primitive) {

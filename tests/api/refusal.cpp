@@ -360,6 +360,23 @@ TEST(Refusal, BlocksBehindTheFirstAreGivenBackByAReset) {
     EXPECT_EQ(held, before);
 }
 
+// A tag that is none is found before memory for the value behind it is asked for.
+TEST(Refusal, WhatIsWrongBeforeMemoryIsAskedFor) {
+    Octets octets = hex("30 82 20 05 04 82 1F FF");
+    octets.insert(octets.end(), 8191, 'A'); // fills the first block
+    append(octets, hex("05 00"));
+    for (const bool direct : {true, false}) {
+        directAllowed = direct;
+        ZynShutdown();
+        ZynEncodeMemAlloc(0);
+        allocator = {.refuse = Refuse::AllLater, .nth = 1};
+        ZynTransReq request;
+        EXPECT_EQ(ZynTransRequestDecode(octets.data(), static_cast<uint32_t>(octets.size()), &request), -111);
+        allocator = {};
+    }
+    directAllowed = true;
+}
+
 // Rounding such a size up to 8 has no room in 32 bits.
 TEST(Refusal, SizesNearTheLargest) {
     InitNibbleMem(64, 64);

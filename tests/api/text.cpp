@@ -1,6 +1,7 @@
 // Text as callers have it against text as it travels.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "zyn/zyn.h"
@@ -47,6 +48,7 @@ TEST(TextGet, CutsAndPads) {
         AsnOcts v;
         if (row.text) ZynTextStrSet(&v, row.text, 0);
         else ZynTextStrSetNull(&v);
+        EXPECT_EQ(ZynTextStrGetLen(&v), row.text ? std::strlen(row.text) : 0);
         const std::string expected = row.expected;
         std::string dest(16, '#');
         EXPECT_EQ(ZynTextStrGet(&v, dest.data(), row.width), static_cast<int32_t>(expected.size()));

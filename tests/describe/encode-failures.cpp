@@ -85,6 +85,7 @@ TEST(EncodeFailures, OfEachValueThatCannotBeSent) {
                 if (sent) return;
                 ++refused;
                 EXPECT_EQ(failure.code, ZYN_E_NO_WIRE_FORM);
+                EXPECT_EQ(failure.offset, 0u);
                 EXPECT_EQ(failure.path, path);
                 EXPECT_STREQ(failure.module, record.module);
                 EXPECT_STREQ(failure.record, record.name);

@@ -183,7 +183,8 @@ TEST_F(Sentences, OfMemoryThatIsRefused) {
     refuseMemory = true;
     const std::string refused = told(ZYN_TRANS_REQUEST, octets);
     refuseMemory = false;
-    EXPECT_EQ(refused, "-27 ..  @0: memory was refused") << "the direct way knows no place";
+    EXPECT_EQ(refused, "-27 User.ZynUserLogon.loginPassword upTransMsg.userLogon.loginPassword @14: "
+                       "memory was refused for loginPassword");
     octets = hex("30 80 04 02 55 31 BF 83 47 82 27 11 04 82 27 0D");
     octets.resize(octets.size() + 0x270D);
     octets.resize(octets.size() + 2); // the end of an indefinite length, which goes the exact way
@@ -240,6 +241,7 @@ TEST_F(Sentences, LastUntilTheNextCall) {
     ASSERT_EQ(length, 2u);
     EXPECT_EQ(lastFailure(0), "none") << "an Encode that succeeds";
     EXPECT_NE(told(ZYN_TRANS_REPLY, wrong), "none");
+    ZynEncodeMemAlloc(100);
     EXPECT_EQ(told(ZYN_TRANS_REPLY, std::vector<uint8_t>(block, block + length)), "none") << "a Decode that does";
 }
 

@@ -182,8 +182,7 @@ TEST_F(TwoWaysTest, MessagesWithTheContentOfOneElementChanged) {
 }
 
 // Lengths fit, and each record in turn ends behind one of its elements or inside it: in the tag, the length, the value, or
-// behind a value without octets. What stands round the record goes on, or ends there too, so that a sanitizer sees any octet
-// that is read behind it.
+// behind a value without octets. What stands round the record goes on, or ends there too: then no octet may be read behind it.
 TEST_F(TwoWaysTest, RecordsThatEndInAnElement) {
     const auto endEach = [&](auto& self, const Channel& channel, Elements& message, Elements& level, bool all) -> void {
         for (std::size_t i = 0; i < level.size(); ++i) {

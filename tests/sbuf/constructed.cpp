@@ -114,6 +114,7 @@ TEST_F(Constructed, SweepAgreesWithTheRecursiveRule) {
         int expectedCode = 0;
         try {
             expected.fill(length, expectedCount);
+            if (expected.error && expected.out.empty()) expected.unused = 0; // was not there
             if (expected.unused > 7 || expected.unused > 8 * expected.out.size()) expectedCode = -43;
         } catch (int code) {
             expectedCode = code;

@@ -156,16 +156,14 @@ void TwoWays::compareArenas() {
 }
 
 void* TwoWays::decode(const Channel& channel, const Octets& octets) {
-    // A copy of exactly that size, so that a sanitizer sees any octet that is read behind it.
-    const std::unique_ptr<uint8_t[]> copy(new uint8_t[octets.size()]);
-    std::copy(octets.begin(), octets.end(), copy.get());
+    const uint8_t* copy = fence.copyOf(octets);
     std::string directly;
     for (const bool allowed : {true, false}) {
         nmG = arenas[allowed ? 0 : 1];
         directAllowed = allowed;
         reported.clear();
         void* message = std::memset(messages[allowed ? 0 : 1], 0, sizeof messages[0]);
-        const int32_t result = channel.decode(copy.get(), static_cast<uint32_t>(octets.size()), message);
+        const int32_t result = channel.decode(copy, static_cast<uint32_t>(octets.size()), message);
         if (allowed) {
             direct = lastWay == Way::Direct;
             directly = reported;

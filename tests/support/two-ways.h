@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "tests/support/fence.h"
 #include "tests/support/reference.h"
 #include "zyn/zyn.h"
 
@@ -61,6 +62,7 @@ private:
     NibbleMem* arenas[2] = {};
     NibbleMem* scratch = nullptr;
     Asn1ErrorHandler handler = nullptr;
+    Fence fence;
     alignas(8) uint8_t messages[2][64];
 };
 
