@@ -25,11 +25,11 @@ constexpr zyn::ComponentRules components = {
     .cut = "BDecConsOctetString: ERROR - attempt to decode past end of data\n",
 };
 
-// Room for the octets and the 0 byte that follows them, so that text can be used as a terminated string.
+// Room for the octets and the 0 byte that follows them, so that text can be used as a terminated string; the arena's memory
+// is all 0.
 inline uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
     auto* octs = static_cast<uint8_t*>(zyn::fromArena(length + 1)); // length is below IndefiniteLen
     if (!octs) zyn::raise(env, ZYN_E_NO_MEMORY, nullptr);
-    octs[length] = 0;
     return octs;
 }
 

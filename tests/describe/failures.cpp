@@ -29,11 +29,11 @@ struct Message {
     std::vector<Located> elements;
 };
 
-std::vector<Message> messages() {
+std::vector<Message> messages(unsigned presentPercent = 100) {
     std::vector<Message> all;
     for (const Channel& channel : channels) {
         for (const Alternative& row : typeOf(channel.choice).alternatives) {
-            Sampler sampler(row.number, {.presentPercent = 100, .longestText = 12, .longestList = 2});
+            Sampler sampler(row.number, {.presentPercent = presentPercent, .longestText = 12, .longestList = 2});
             const Octets octets = messageOf(channel, "TRADER01    ", sampler.make(channel.choice, row));
             all.push_back({channel, row, octets, elementsOf(channel.message, octets)});
         }
@@ -221,7 +221,11 @@ TEST_F(Failures, OfDataThatEnd) {
 
 // Contents and lengths that the run-time refuses, whatever stands round them.
 TEST_F(Failures, OfValues) {
-    for (const Message& message : messages()) {
+    std::vector<Message> all = messages();
+    const std::size_t whole = all.size();
+    std::ranges::move(messages(50), std::back_inserter(all));
+    for (const Message& message : all) {
+        const bool isWhole = &message < &all[whole];
         for (const Located& e : message.elements) {
             const std::size_t lengthAt = lengthOf(message, e);
             const auto broken = [&](std::size_t place, uint8_t octet, int32_t code, std::size_t offset,
@@ -232,7 +236,7 @@ TEST_F(Failures, OfValues) {
                 expect(message, octets, expected(code, message, e, offset, ZynFailureText(nullptr, code)), what);
             };
             broken(lengthAt, 0x85, ZYN_E_LENGTH_TOO_LONG, e.start, "length of five octets");
-            if (e.end - e.start >= 3) {
+            if (isWhole && e.end - e.start >= 3) { // else the field might be one of those left out before it
                 Octets octets = message.octets;
                 std::fill_n(octets.begin() + static_cast<std::ptrdiff_t>(e.start), 3, uint8_t{0xFF});
                 const char* found = "found octets FF FF FF";

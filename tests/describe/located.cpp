@@ -9,12 +9,19 @@ class Reader {
 public:
     explicit Reader(const Octets& all) : octets(all) {}
 
+    bool isAt(const Field& field, std::size_t at) const {
+        const AsnTag tag = headerAt(octets, at).tag;
+        if (field.kind != Kind::Choice) return (tag & field.mask) == field.tag;
+        return std::ranges::any_of(typeOf(field.type).alternatives, [&](auto& row) { return row.tag == tag; });
+    }
+
     void contentOf(const Type& type, const std::string& path, std::size_t begin, std::size_t end) {
         std::size_t at = begin;
         const std::string dot = path.empty() ? "" : path + ".";
         if (type.shape == Shape::Sequence) {
             for (std::size_t i = 0; i < type.fields.size(); ++i) {
                 const Field& field = type.fields[i];
+                if (field.optional && (at == end || !isAt(field, at))) continue;
                 at = element(type, i, dot + field.name, typeOf(field.type), field.kind, at);
             }
         } else {

@@ -61,7 +61,12 @@ TEST(Messages, OfNoChannel) {
     uint8_t octets[8] = {};
     ZynTransRep reply = {};
     EXPECT_EQ(ZynEncode(none, &reply, octets, sizeof octets), 0u);
+    ZynFailure failure = {};
+    EXPECT_EQ(ZynLastFailure(&failure), 1);
+    EXPECT_EQ(ZynTransReplyEncode(nullptr, 0, octets, sizeof octets), 2u);
     EXPECT_EQ(ZynDecode(none, octets, sizeof octets, &reply), ZYN_E_NO_ALTERNATIVE);
+    EXPECT_EQ(ZynLastFailure(&failure), 1);
+    EXPECT_EQ(failure.code, ZYN_E_NO_ALTERNATIVE);
     EXPECT_EQ(ZynEnvelopeType(none), nullptr);
     EXPECT_EQ(ZynMessageChoice(none), nullptr);
 }

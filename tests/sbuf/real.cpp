@@ -33,6 +33,7 @@ struct Decoded {
 Decoded decodedContent(const uint8_t* octets, size_t present, AsnLen length) {
     SBuf b = readingBuffer(const_cast<uint8_t*>(octets), present);
     Decoded d;
+    d.value = 5.0; // is overwritten
     jmp_buf env;
     volatile int code = setjmp(env);
     if (code == 0) BDecAsnRealContent(&b, 0, length, &d.value, &d.counted, env);
@@ -166,6 +167,7 @@ TEST_F(Real, WorkedDecodings) {
         double value;
         int code;
     } rows[] = {
+        {"", 0.0, 0},
         {"A0 FE 10", 0.0625, 0},
         {"90 01 03", 24.0, 0},
         {"88 00 03", 12.0, 0},

@@ -248,6 +248,9 @@ TEST(ErrorChannel, HandlersAreReplacedAndPutBack) {
     EXPECT_EQ(calls, 2);
     EXPECT_EQ(severities, 1) << "1 for an error, 0 for a warning";
     EXPECT_EQ(Asn1InstallErrorHandler(nullptr), counting);
+    testing::internal::CaptureStderr();
+    Asn1Error(text);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "text\n");
     EXPECT_EQ(Asn1InstallErrorHandler(before), &Asn1DefaultErrorHandler) << "null installs the default handler";
 }
 
