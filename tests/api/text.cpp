@@ -23,6 +23,7 @@ TEST(TextSet, TrimsBlanksAtTheEndAndNothingElse) {
         {"  AB", 4, 4, "leading blanks stay"},
         {"AB\t", 3, 3, "a tab is no blank"},
         {"ABCDEFGHIJKLMNOP", 12, 12, "exactly length bytes are looked at"},
+        {"AB", 1, 1, "one of them too"},
         {"AB\0\0  ", 6, 4, "a 0 byte inside the length is a character"},
     };
     for (const Row& row : rows) {
@@ -45,9 +46,11 @@ TEST(TextGet, CutsAndPads) {
         {nullptr, 3, "   "},   {nullptr, 0, ""}, {"", 2, "  "},     {"ABCD", 4, "ABCD"},
     };
     for (const Row& row : rows) {
-        AsnOcts v;
+        uint8_t other = 'X';
+        AsnOcts v{1, &other};
         if (row.text) ZynTextStrSet(&v, row.text, 0);
         else ZynTextStrSetNull(&v);
+        EXPECT_EQ(ZynTextStrIsNull(&v), row.text == nullptr);
         EXPECT_EQ(ZynTextStrGetLen(&v), row.text ? std::strlen(row.text) : 0);
         const std::string expected = row.expected;
         std::string dest(16, '#');

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <limits>
+#include <utility>
 
 #include "tests/support/two-ways.h"
 
@@ -197,12 +198,14 @@ TEST(EncodeFailures, OfNumbersAndTexts) {
     ASSERT_EQ(ZynLastFailure(&failure), 1);
     EXPECT_EQ(failure.code, ZYN_E_NO_WIRE_FORM);
     EXPECT_STREQ(failure.text, "the text has no form on the wire: its octs are null and its octetLen is not 0");
-    uint8_t octets[9] = {};
-    text.octs = octets;
-    EXPECT_EQ(ZynTextStrEncode(&text, block, sizeof block), 0u);
-    ASSERT_EQ(ZynLastFailure(&failure), 1);
-    EXPECT_EQ(failure.code, ZYN_E_NO_ROOM);
-    EXPECT_EQ(failure.offset, 11u);
+    uint8_t octets[9] = {}; // no more is read than there is room for, so a longer length may stand beside them
+    for (const auto& [length, whole] : {std::pair{9u, 11u}, {0x80000000u, 0x80000006u}}) {
+        text = {length, octets};
+        EXPECT_EQ(ZynTextStrEncode(&text, block, sizeof block), 0u);
+        ASSERT_EQ(ZynLastFailure(&failure), 1);
+        EXPECT_EQ(failure.code, ZYN_E_NO_ROOM);
+        EXPECT_EQ(failure.offset, whole);
+    }
 }
 
 } // namespace

@@ -40,6 +40,7 @@ TEST(Print, Values) {
     EXPECT_EQ(printed(PrintAsnOcts, octets("\n\x7f\x80\xff\"\\")), "'0a7f80ff225c'H  -- \"....\"\\\" --");
     uint8_t bits[] = {0xAB, 0xCF};
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {12, bits}), "'abcf'H") << "spare bits as they stand";
+    EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {1, bits}), "'ab'H");
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {0, bits}), "''H");
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {-8, bits}), "''H");
     EXPECT_EQ(printed<AsnBits>(PrintAsnBits, {8, nullptr}), "''H") << "an absent string has no bits";
