@@ -284,6 +284,28 @@ TEST_F(TwoWaysTest, LongTexts) {
     }
 }
 
+// The first octet of a length that is indefinite, 80, is no count of 128, even where 128 octets follow.
+TEST_F(TwoWaysTest, AnIndefiniteLengthInFrontOf128Octets) {
+    const uint8_t text[128] = {'x'};
+    ZynReplyOK record{};
+    unsigned tried = 0;
+    for (uint32_t length = 90; length <= 128; ++length) {
+        record.infoMessage = {length, const_cast<uint8_t*>(text)};
+        const ChoiceRecord choice{18, {.slot = &record}};
+        Octets octets = messageOf(channels[2], user, &choice);
+        for (std::size_t i = 1; i < octets.size() - 1; ++i) {
+            if (octets[i] != 0x81 || octets[i + 1] != 0x80) continue;
+            Octets changed = octets;
+            changed.erase(changed.begin() + static_cast<std::ptrdiff_t>(i));
+            receiveAnything(channels[2], changed);
+            ++tried;
+            break;
+        }
+    }
+    EXPECT_EQ(accepted, 0u);
+    EXPECT_GE(tried, 2u) << "the record's own length, and the text's";
+}
+
 TEST_F(TwoWaysTest, LongBitStrings) {
     const Channel& channel = channelOf(TypeId::ZynQueryRep);
     Sampler sampler(1);
