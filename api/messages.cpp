@@ -5,6 +5,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "api/setup.h"
@@ -12,6 +13,7 @@
 #include "records/direct.h"
 #include "records/exact.h"
 #include "records/octets.h"
+#include "sbuf/nibble-alloc.h"
 #include "zyn/codes.h"
 #include "zyn/describe.h"
 
@@ -61,12 +63,6 @@ template <std::size_t... i>
     return length;
 }
 
-// Most encodes find the arena empty.
-void emptyArena(const NibbleMem& arena) {
-    const NibbleBuf* block = arena.currNibbleBuf;
-    if (block->curr != block->start || block != arena.firstNibbleBuf) ResetNibbleMem();
-}
-
 [[gnu::noinline]] uint8_t* encodeExact(TypeId id, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
     tellWay(Way::Exact);
     SBuf b = writeBuffer(buffer, bufferLen);
@@ -78,15 +74,14 @@ void emptyArena(const NibbleMem& arena) {
 
 template <TypeId id>
 [[gnu::always_inline]] inline uint32_t encodeEnvelope(const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
-    const NibbleMem* arena = begin();
-    if (!arena) return 0;
+    if (!begin()) return 0;
     uint8_t* end = buffer + bufferLen;
     uint8_t* start = mayGoDirect() ? direct::encode<id>(envelope, buffer, end) : nullptr;
     if (start) tellWay(Way::Direct);
     else start = encodeExact(id, envelope, buffer, bufferLen);
     if (!start) return 0;
     const uint32_t length = moveToStart(buffer, start, end);
-    emptyArena(*arena);
+    emptyArena();
     return length;
 }
 
@@ -104,18 +99,19 @@ int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* env
     return 0;
 }
 
-template <TypeId id> int32_t decodeEnvelope(const uint8_t* buffer, uint32_t length, void* envelope) {
-    const NibbleMem* arena = begin();
-    if (!arena) return ZYN_E_NO_MEMORY;
-    emptyArena(*arena);
+// By ZynChannel.
+constexpr TypeId messageTypes[] = {TypeId::ZynTransReq, TypeId::ZynTransRep, TypeId::ZynQueryReq, TypeId::ZynQueryRep};
+
+int32_t decodeEnvelope(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope) {
+    if (!begin()) return ZYN_E_NO_MEMORY;
     const direct::Outcome outcome =
-        mayGoDirect() ? direct::decode<id>(buffer, length, envelope) : direct::Outcome::GaveUp;
+        mayGoDirect() ? direct::decode(channel, buffer, length, envelope) : direct::Outcome::GaveUp;
     if (outcome == direct::Outcome::Done) [[likely]] {
         tellWay(Way::Direct);
         return 0;
     }
     ResetNibbleMem();
-    const int32_t code = decodeExact(id, buffer, length, envelope);
+    const int32_t code = decodeExact(messageTypes[channel], buffer, length, envelope);
     // Memory that was refused once may be given the second time; that is no success.
     if (code == 0 && outcome == direct::Outcome::NoMemory) return startFailure(ZYN_E_NO_MEMORY).code;
     return code;
@@ -183,19 +179,19 @@ uint32_t ZynQueryReplyEncode(void* message, uint32_t choiceId, uint8_t* buffer, 
 }
 
 int32_t ZynTransRequestDecode(const uint8_t* buffer, uint32_t length, ZynTransReq* request) {
-    return zyn::decodeEnvelope<TypeId::ZynTransReq>(buffer, length, request);
+    return zyn::decodeEnvelope(ZYN_TRANS_REQUEST, buffer, length, request);
 }
 
 int32_t ZynQueryRequestDecode(const uint8_t* buffer, uint32_t length, ZynQueryReq* request) {
-    return zyn::decodeEnvelope<TypeId::ZynQueryReq>(buffer, length, request);
+    return zyn::decodeEnvelope(ZYN_QUERY_REQUEST, buffer, length, request);
 }
 
 int32_t ZynTransReplyDecode(const uint8_t* buffer, uint32_t length, ZynTransRep* reply) {
-    return zyn::decodeEnvelope<TypeId::ZynTransRep>(buffer, length, reply);
+    return zyn::decodeEnvelope(ZYN_TRANS_REPLY, buffer, length, reply);
 }
 
 int32_t ZynQueryReplyDecode(const uint8_t* buffer, uint32_t length, ZynQueryRep* reply) {
-    return zyn::decodeEnvelope<TypeId::ZynQueryRep>(buffer, length, reply);
+    return zyn::decodeEnvelope(ZYN_QUERY_REPLY, buffer, length, reply);
 }
 
 uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, uint32_t bufferLen) {
@@ -210,11 +206,8 @@ uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, ui
 }
 
 int32_t ZynDecode(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope) {
-    switch (channel) {
-    case ZYN_TRANS_REQUEST: return ZynTransRequestDecode(buffer, length, static_cast<ZynTransReq*>(envelope));
-    case ZYN_TRANS_REPLY: return ZynTransReplyDecode(buffer, length, static_cast<ZynTransRep*>(envelope));
-    case ZYN_QUERY_REQUEST: return ZynQueryRequestDecode(buffer, length, static_cast<ZynQueryReq*>(envelope));
-    case ZYN_QUERY_REPLY: return ZynQueryReplyDecode(buffer, length, static_cast<ZynQueryRep*>(envelope));
+    if (static_cast<std::size_t>(channel) < std::size(zyn::messageTypes)) {
+        return zyn::decodeEnvelope(channel, buffer, length, envelope);
     }
     zyn::startFailure(ZYN_E_NO_ALTERNATIVE);
     return ZYN_E_NO_ALTERNATIVE;

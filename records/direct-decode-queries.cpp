@@ -3,6 +3,6 @@
 
 namespace zyn::direct {
 
-template Outcome decode<TypeId::ZynQueryReq>(const uint8_t*, std::size_t, void*);
+constinit const Alternatives queryRequests = alternativesByNumber<TypeId::ZynQueryReqChoice>;
 
 } // namespace zyn::direct

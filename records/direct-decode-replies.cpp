@@ -3,6 +3,6 @@
 
 namespace zyn::direct {
 
-template Outcome decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
+constinit const Alternatives queryReplies = alternativesByNumber<TypeId::ZynQueryRep>;
 
 } // namespace zyn::direct

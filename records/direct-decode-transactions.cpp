@@ -3,7 +3,7 @@
 
 namespace zyn::direct {
 
-template Outcome decode<TypeId::ZynTransReq>(const uint8_t*, std::size_t, void*);
-template Outcome decode<TypeId::ZynTransRep>(const uint8_t*, std::size_t, void*);
+constinit const Alternatives transactionRequests = alternativesByNumber<TypeId::ZynTransReqChoice>;
+constinit const Alternatives transactionReplies = alternativesByNumber<TypeId::ZynTransRep>;
 
 } // namespace zyn::direct

@@ -501,52 +501,53 @@ struct NumberedAlternative {
     AlternativeDecoder decoder = nullptr;
     AsnTag tag = 0;
 };
+using Alternatives = std::span<const NumberedAlternative>;
+
+// Those of the four channels; each is defined where its decoders are instantiated.
+extern const Alternatives transactionRequests, transactionReplies, queryRequests, queryReplies;
 
 template <TypeId id>
 inline constexpr auto alternativesByNumber = []<std::size_t... index>(std::index_sequence<index...>) {
     constexpr std::span<const Alternative> rows = typeOf(id).alternatives;
+    static_assert(std::ranges::none_of(rows, [](auto& row) { return tagOctets(row.tag) == 2; }));
     std::array<NumberedAlternative, typeOf(id).byNumber.size()> table{};
     ((table[rows[index].number] = {alternativeDecoder<rows[index].type, rows[index].kind>(), rows[index].tag}), ...);
     return table;
 }
 (std::make_index_sequence<typeOf(id).alternatives.size()>());
 
-template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source) {
-    static_assert(std::ranges::none_of(typeOf(id).alternatives, [](auto& row) { return tagOctets(row.tag) == 2; }));
-    if (rest < 4 && (rest < 2 || (*at.p & 0x1F) == 0x1F)) return giveUp(at);
-    AsnTag tag = AsnTag{at.p[0]} << 24;
-    uint32_t number = at.p[0] & 0x1F;
+// The alternative that a tag chooses.
+struct Chosen {
+    AlternativeDecoder decoder; // null: the tag chooses none
+    uint32_t number;
+    std::size_t octets; // of the tag
+};
+
+// Looks at the first of rest octets at p. No CHOICE has tags of two octets.
+[[gnu::always_inline]] inline Chosen choose(Alternatives alternatives, const uint8_t* p, std::size_t rest) {
+    if (rest < 4 && (rest < 2 || (*p & 0x1F) == 0x1F)) return {};
+    AsnTag tag = AsnTag{p[0]} << 24;
+    uint32_t number = p[0] & 0x1F;
     std::size_t octets = 1;
     if (number == 0x1F) {
-        tag |= AsnTag{at.p[1]} << 16 | AsnTag{at.p[2]} << 8;
-        number = static_cast<uint32_t>(at.p[1] & 0x7F) << 7 | (at.p[2] & 0x7F);
+        tag |= AsnTag{p[1]} << 16 | AsnTag{p[2]} << 8;
+        number = static_cast<uint32_t>(p[1] & 0x7F) << 7 | (p[2] & 0x7F);
         octets = 3;
     }
-    constexpr auto& table = alternativesByNumber<id>;
-    if (number >= table.size() || table[number].tag != tag || !table[number].decoder) return giveUp(at);
-    record->choiceId = number;
-    return table[number].decoder({at.p + octets, at.free}, rest - octets, &record->slot, source);
+    if (number >= alternatives.size() || alternatives[number].tag != tag) return {};
+    return {alternatives[number].decoder, number, octets};
 }
 
-template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message) {
-    NibbleBuf* block = currentArena()->currNibbleBuf;
-    Source source{buffer, block->end};
-    Cursor at{buffer, block->curr};
-    // The caller's record is written when everything has succeeded.
-    alignas(void*) unsigned char record[typeOf(id).size] = {};
-    if constexpr (typeOf(id).shape == Shape::Sequence) {
-        Measured measured;
-        if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return Outcome::GaveUp;
-        if (measured.length > length - 1 - measured.octets) return Outcome::GaveUp;
-        at.p += 1 + measured.octets;
-        at = sequence<id, Room::tested>(at, measured.length, record, source);
-    } else {
-        at = choice<id>(at, length, reinterpret_cast<ChoiceRecord*>(record), source);
-    }
-    currentArena()->currNibbleBuf->curr = at.free;
-    if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
-    std::memcpy(message, record, sizeof record);
-    return Outcome::Done;
+// Reads the one that was chosen, from its tag on.
+[[gnu::always_inline]] inline Cursor decodeChosen(const Chosen& chosen, Cursor at, std::size_t rest,
+                                                  ChoiceRecord* record, Source& source) {
+    record->choiceId = chosen.number;
+    return chosen.decoder({at.p + chosen.octets, at.free}, rest - chosen.octets, &record->slot, source);
+}
+
+template <TypeId id> Cursor choice(Cursor at, std::size_t rest, ChoiceRecord* record, Source& source) {
+    const Chosen chosen = choose(alternativesByNumber<id>, at.p, rest);
+    return chosen.decoder ? decodeChosen(chosen, at, rest, record, source) : giveUp(at);
 }
 
 } // namespace zyn::direct

@@ -10,24 +10,22 @@
 #include <cstdint>
 
 #include "records/generated/type-ids.h"
+#include "zyn/describe.h"
 
 namespace zyn::direct {
 
 enum class Outcome { Done, GaveUp, NoMemory };
 
-// decode reads the message at buffer into *message, a structure of type id. However it ends, the arena's cursor stands
-// behind all memory that was written, so that a reset clears it. The arena must be set up, and empty. It may ask for
-// memory earlier than the exact way does; when that is refused, the exact way tells whether it would have come so far.
-template <TypeId id> Outcome decode(const uint8_t* buffer, std::size_t length, void* message);
+// decode reads the message at buffer, which came on that channel, into *message, a structure of the channel's type. The
+// arena must be set up, and is emptied first, unless decode gives up before it needs it. However it ends, the arena's
+// cursor stands behind all memory that was written, so that a reset clears it. It may ask for memory earlier than the
+// exact way does; when that is refused, the exact way tells whether it would have come so far.
+Outcome decode(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message);
 
 // encode writes the message of type id backwards from end and returns where it starts, or null: gave up. No octet
 // outside [begin, end) is touched.
 template <TypeId id> uint8_t* encode(const void* message, uint8_t* begin, uint8_t* end);
 
-extern template Outcome decode<TypeId::ZynTransReq>(const uint8_t*, std::size_t, void*);
-extern template Outcome decode<TypeId::ZynQueryReq>(const uint8_t*, std::size_t, void*);
-extern template Outcome decode<TypeId::ZynTransRep>(const uint8_t*, std::size_t, void*);
-extern template Outcome decode<TypeId::ZynQueryRep>(const uint8_t*, std::size_t, void*);
 extern template uint8_t* encode<TypeId::ZynTransReq>(const void*, uint8_t*, uint8_t*);
 extern template uint8_t* encode<TypeId::ZynQueryReq>(const void*, uint8_t*, uint8_t*);
 extern template uint8_t* encode<TypeId::ZynTransRep>(const void*, uint8_t*, uint8_t*);

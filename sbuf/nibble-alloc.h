@@ -18,4 +18,12 @@ inline void* fromArena(uint32_t size) {
     return NibbleAlloc(size);
 }
 
+// ResetNibbleMem, for an arena that mostly is empty or has one block. Returns the block that is in use then.
+inline NibbleBuf* emptyArena() {
+    const NibbleMem* arena = currentArena();
+    const NibbleBuf* block = arena->currNibbleBuf;
+    if (block->curr != block->start || block != arena->firstNibbleBuf) ResetNibbleMem();
+    return arena->currNibbleBuf;
+}
+
 } // namespace zyn

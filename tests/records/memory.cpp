@@ -24,10 +24,10 @@ constexpr double promisedStringTablesOnce = 4'096;
 // The direct way alone, given up or not.
 direct::Outcome decodeDirectly(TypeId message, const Octets& octets, void* record) {
     switch (message) {
-    case TypeId::ZynTransReq: return direct::decode<TypeId::ZynTransReq>(octets.data(), octets.size(), record);
-    case TypeId::ZynQueryReq: return direct::decode<TypeId::ZynQueryReq>(octets.data(), octets.size(), record);
-    case TypeId::ZynTransRep: return direct::decode<TypeId::ZynTransRep>(octets.data(), octets.size(), record);
-    default: return direct::decode<TypeId::ZynQueryRep>(octets.data(), octets.size(), record);
+    case TypeId::ZynTransReq: return direct::decode(ZYN_TRANS_REQUEST, octets.data(), octets.size(), record);
+    case TypeId::ZynQueryReq: return direct::decode(ZYN_QUERY_REQUEST, octets.data(), octets.size(), record);
+    case TypeId::ZynTransRep: return direct::decode(ZYN_TRANS_REPLY, octets.data(), octets.size(), record);
+    default: return direct::decode(ZYN_QUERY_REPLY, octets.data(), octets.size(), record);
     }
 }
 

@@ -1,0 +1,81 @@
+// The frame of a message on its direct way: one for the four channels, which differ in their alternatives and in that a
+// request tells its sender.
+#include "records/direct-decode.h"
+
+#include "sbuf/nibble-alloc.h"
+
+namespace zyn::direct {
+namespace {
+
+// By ZynChannel.
+const Alternatives* const alternativesOf[] = {&transactionRequests, &transactionReplies, &queryRequests, &queryReplies};
+constexpr bool isRequest(ZynChannel channel) { return channel == ZYN_TRANS_REQUEST || channel == ZYN_QUERY_REQUEST; }
+
+// Both requests are taken for this one, a userId and a CHOICE, and both replies for a CHOICE.
+using Request = ZynTransReq;
+constexpr bool isLikeRequest(TypeId id) {
+    const std::span<const Field> fields = typeOf(id).fields;
+    return typeOf(id).size == sizeof(Request) && fields.size() == 2 && //
+           fields[0].kind == Kind::Octs && fields[0].offset == offsetof(Request, userId) &&
+           tagOctets(fields[0].tag) == 1 && fields[1].kind == Kind::Choice &&
+           fields[1].offset == offsetof(Request, upTransMsg);
+}
+static_assert(isLikeRequest(TypeId::ZynTransReq) && isLikeRequest(TypeId::ZynQueryReq));
+static_assert(sizeof(ZynTransRep) == sizeof(ChoiceRecord) && sizeof(ZynQueryRep) == sizeof(ChoiceRecord));
+
+// Both look the alternative up before they do anything else. Where the call to its decoder goes is what a processor cannot
+// foresee in mixed traffic: so it learns that early, and has the arena to empty meanwhile.
+
+// Gives up on a userId of more than 127 octets, too.
+Outcome request(Alternatives alternatives, const uint8_t* buffer, std::size_t length, void* message) {
+    Measured measured;
+    if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return Outcome::GaveUp;
+    if (measured.length > length - 1 - measured.octets) return Outcome::GaveUp;
+    const uint8_t* const user = buffer + 1 + measured.octets;
+    if (measured.length < 2 || user[0] != 0x04 || user[1] >= 0x80) return Outcome::GaveUp;
+    const std::size_t userOctets = 2 + std::size_t{user[1]};
+    if (userOctets > measured.length) return Outcome::GaveUp;
+    const Chosen chosen = choose(alternatives, user + userOctets, measured.length - userOctets);
+    if (!chosen.decoder) return Outcome::GaveUp;
+
+    NibbleBuf* block = emptyArena();
+    Source source{buffer, block->end};
+    Walk walk{user + measured.length, -static_cast<std::ptrdiff_t>(measured.length), block->curr, source};
+    Request record = {};
+    uint8_t* choice;
+    walk.readHead();
+    if (stringField<TypeId::ZynTransReq, 0>(walk, &record.userId) &&
+        take(choice, walk.free, sizeof(ChoiceRecord), source)) {
+        record.upTransMsg = reinterpret_cast<ZynTransReqChoice*>(choice);
+        walk.moveTo(decodeChosen(chosen, walk.at(), walk.rest(), reinterpret_cast<ChoiceRecord*>(choice), source));
+    } else {
+        walk.failed();
+    }
+    currentArena()->currNibbleBuf->curr = walk.free;
+    if (walk.left != 0) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
+    std::memcpy(message, &record, sizeof record);
+    return Outcome::Done;
+}
+
+Outcome reply(Alternatives alternatives, const uint8_t* buffer, std::size_t length, void* message) {
+    const Chosen chosen = choose(alternatives, buffer, length);
+    if (!chosen.decoder) return Outcome::GaveUp;
+    NibbleBuf* block = emptyArena();
+    Source source{buffer, block->end};
+    ChoiceRecord record = {};
+    const Cursor at = decodeChosen(chosen, {buffer, block->curr}, length, &record, source);
+    currentArena()->currNibbleBuf->curr = at.free;
+    if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
+    std::memcpy(message, &record, sizeof record);
+    return Outcome::Done;
+}
+
+} // namespace
+
+Outcome decode(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
+    const Alternatives alternatives = *alternativesOf[channel];
+    return isRequest(channel) ? request(alternatives, buffer, length, message)
+                              : reply(alternatives, buffer, length, message);
+}
+
+} // namespace zyn::direct
