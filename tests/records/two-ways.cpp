@@ -306,6 +306,27 @@ TEST_F(TwoWaysTest, AnIndefiniteLengthInFrontOf128Octets) {
     EXPECT_GE(tried, 2u) << "the record's own length, and the text's";
 }
 
+// The alternative stands behind the userId and nowhere else. Here the userId is full of the tag of orderActivate, whose
+// content may be that of the orderDeactivate which follows.
+TEST_F(TwoWaysTest, UserIdsOfAllLengths) {
+    const Channel& channel = channelOf(TypeId::ZynTransReq);
+    Sampler sampler(1);
+    ChoiceRecord* choice = sampler.make(channel.choice, *alternativeOf(typeOf(channel.choice), 480));
+    Elements message = parse(messageOf(channel, user, choice));
+    Octets& userId = message[0].parts[0].content;
+    const uint8_t tag[] = {0xBF, 0x83, 0x5F};
+    for (std::size_t length = 0; length < 300; ++length) {
+        for (std::size_t shift = 0; shift < sizeof tag; ++shift) {
+            userId.resize(length);
+            for (std::size_t i = 0; i < length; ++i) userId[i] = tag[(i + shift) % sizeof tag];
+            ways.decode(channel, written(message));
+            ASSERT_EQ(ways.code, 0) << length;
+            EXPECT_EQ(ways.direct, length < 128) << length;
+            ASSERT_EQ(ways.problem, "") << length;
+        }
+    }
+}
+
 TEST_F(TwoWaysTest, LongBitStrings) {
     const Channel& channel = channelOf(TypeId::ZynQueryRep);
     Sampler sampler(1);
