@@ -5,7 +5,6 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <utility>
 
 #include "api/setup.h"
@@ -102,7 +101,8 @@ int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* env
 // By ZynChannel.
 constexpr TypeId messageTypes[] = {TypeId::ZynTransReq, TypeId::ZynTransRep, TypeId::ZynQueryReq, TypeId::ZynQueryRep};
 
-int32_t decodeEnvelope(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope) {
+[[gnu::always_inline]] inline int32_t decodeEnvelope(ZynChannel channel, const uint8_t* buffer, uint32_t length,
+                                                     void* envelope) {
     if (!begin()) return ZYN_E_NO_MEMORY;
     const direct::Outcome outcome =
         mayGoDirect() ? direct::decode(channel, buffer, length, envelope) : direct::Outcome::GaveUp;
@@ -206,9 +206,7 @@ uint32_t ZynEncode(ZynChannel channel, const void* envelope, uint8_t* buffer, ui
 }
 
 int32_t ZynDecode(ZynChannel channel, const uint8_t* buffer, uint32_t length, void* envelope) {
-    if (static_cast<std::size_t>(channel) < std::size(zyn::messageTypes)) {
-        return zyn::decodeEnvelope(channel, buffer, length, envelope);
-    }
+    if (static_cast<unsigned>(channel) < ZYN_CHANNELS) return zyn::decodeEnvelope(channel, buffer, length, envelope);
     zyn::startFailure(ZYN_E_NO_ALTERNATIVE);
     return ZYN_E_NO_ALTERNATIVE;
 }

@@ -39,16 +39,6 @@ template <typename Call> double timeOf(Call&& call) {
     return best;
 }
 
-constexpr ZynChannel channelOf(Channel channel) {
-    switch (channel) {
-    case Channel::TransRequest: return ZYN_TRANS_REQUEST;
-    case Channel::QueryRequest: return ZYN_QUERY_REQUEST;
-    case Channel::TransReply: return ZYN_TRANS_REPLY;
-    case Channel::QueryReply: break;
-    }
-    return ZYN_QUERY_REPLY;
-}
-
 // A message as it is written, read and decoded here.
 struct Traveller {
     const Message& message;

@@ -5,11 +5,22 @@
 #include <vector>
 
 #include "bench/tree.h"
+#include "zyn/describe.h"
 #include "zyn/messages.h"
 
 namespace zyn::bench {
 
 enum class Channel { TransRequest, QueryRequest, TransReply, QueryReply };
+
+constexpr ZynChannel channelOf(Channel channel) {
+    switch (channel) {
+    case Channel::TransRequest: return ZYN_TRANS_REQUEST;
+    case Channel::QueryRequest: return ZYN_QUERY_REQUEST;
+    case Channel::TransReply: return ZYN_TRANS_REPLY;
+    case Channel::QueryReply: break;
+    }
+    return ZYN_QUERY_REPLY;
+}
 
 struct Message {
     std::string name;

@@ -60,10 +60,12 @@ void printValues(const Figures& figures) {
 
 void printMixed(const Figures& figures) {
     std::printf("\n%-14s %10s %10s\n", "mixed traffic", "decode, ns", "encode, ns");
-    for (const char* what : {"alone", "fixed", "channels", "random"}) {
+    for (const char* what : {"alone", "fixed", "channels", "random", "apart"}) {
         const auto decode = figures.ns("mixed-decode", "zyn", what);
         const auto encode = figures.ns("mixed-encode", "zyn", what);
-        if (decode && encode) std::printf("  %-12s %10.1f %10.1f\n", what, *decode, *encode);
+        if (decode) std::printf("  %-12s %10.1f", what, *decode);
+        if (encode) std::printf(" %10.1f", *encode);
+        if (decode || encode) std::printf("\n");
     }
 }
 

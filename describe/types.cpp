@@ -134,8 +134,7 @@ constexpr Descriptions described = [] {
         }
         nextAlternative += type.alternatives.size();
         if (type.shape == Shape::SetOf) to.element = descriptionOf(type.element);
-        if (type.shape != Shape::Primitive)
-            to.codes = static_cast<uint16_t>(type.firstCode - siteCode(type, Site::End));
+        if (type.shape != Shape::Primitive) to.codes = static_cast<uint16_t>(type.firstCode - type.lastCode + 1);
     }
     return all;
 }();

@@ -177,7 +177,7 @@ void decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, voi
         }
     }
     step.index = noIndex;
-    raise(d.env, siteCode(type, Site::Stray), nullptr);
+    raise(d.env, type.lastCode, nullptr);
 }
 
 void decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {

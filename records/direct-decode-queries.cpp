@@ -3,6 +3,7 @@
 
 namespace zyn::direct {
 
-constinit const Alternatives queryRequests = alternativesByNumber<TypeId::ZynQueryReqChoice>;
+constinit const AlternativeTable<TypeId::ZynQueryReqChoice> queryRequests =
+    alternativesByNumber<TypeId::ZynQueryReqChoice>;
 
 } // namespace zyn::direct

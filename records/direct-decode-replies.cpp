@@ -3,6 +3,6 @@
 
 namespace zyn::direct {
 
-constinit const Alternatives queryReplies = alternativesByNumber<TypeId::ZynQueryRep>;
+constinit const AlternativeTable<TypeId::ZynQueryRep> queryReplies = alternativesByNumber<TypeId::ZynQueryRep>;
 
 } // namespace zyn::direct

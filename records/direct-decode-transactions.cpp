@@ -3,7 +3,8 @@
 
 namespace zyn::direct {
 
-constinit const Alternatives transactionRequests = alternativesByNumber<TypeId::ZynTransReqChoice>;
-constinit const Alternatives transactionReplies = alternativesByNumber<TypeId::ZynTransRep>;
+constinit const AlternativeTable<TypeId::ZynTransReqChoice> transactionRequests =
+    alternativesByNumber<TypeId::ZynTransReqChoice>;
+constinit const AlternativeTable<TypeId::ZynTransRep> transactionReplies = alternativesByNumber<TypeId::ZynTransRep>;
 
 } // namespace zyn::direct

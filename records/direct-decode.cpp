@@ -1,5 +1,8 @@
-// The frame of a message on its direct way: one for the four channels, which differ in their alternatives and in that a
-// request tells its sender.
+// The frame of a message on its direct way: one for both requests and one for both replies, which differ in their
+// alternatives alone.
+//
+// The alternative is looked up before anything else is done. Where the call to its decoder goes is what a processor cannot
+// foresee in mixed traffic: so it learns that early, and has the arena to empty meanwhile.
 #include "records/direct-decode.h"
 
 #include "sbuf/nibble-alloc.h"
@@ -8,8 +11,7 @@ namespace zyn::direct {
 namespace {
 
 // By ZynChannel.
-const Alternatives* const alternativesOf[] = {&transactionRequests, &transactionReplies, &queryRequests, &queryReplies};
-constexpr bool isRequest(ZynChannel channel) { return channel == ZYN_TRANS_REQUEST || channel == ZYN_QUERY_REQUEST; }
+constexpr Alternatives alternativesOf[] = {transactionRequests, transactionReplies, queryRequests, queryReplies};
 
 // Both requests are taken for this one, a userId and a CHOICE, and both replies for a CHOICE.
 using Request = ZynTransReq;
@@ -17,17 +19,16 @@ constexpr bool isLikeRequest(TypeId id) {
     const std::span<const Field> fields = typeOf(id).fields;
     return typeOf(id).size == sizeof(Request) && fields.size() == 2 && //
            fields[0].kind == Kind::Octs && fields[0].offset == offsetof(Request, userId) &&
-           tagOctets(fields[0].tag) == 1 && fields[1].kind == Kind::Choice &&
+           fields[0].tag == AsnTag{0x04} << 24 && fields[1].kind == Kind::Choice &&
            fields[1].offset == offsetof(Request, upTransMsg);
 }
 static_assert(isLikeRequest(TypeId::ZynTransReq) && isLikeRequest(TypeId::ZynQueryReq));
 static_assert(sizeof(ZynTransRep) == sizeof(ChoiceRecord) && sizeof(ZynQueryRep) == sizeof(ChoiceRecord));
 
-// Both look the alternative up before they do anything else. Where the call to its decoder goes is what a processor cannot
-// foresee in mixed traffic: so it learns that early, and has the arena to empty meanwhile.
+} // namespace
 
 // Gives up on a userId of more than 127 octets, too.
-Outcome request(Alternatives alternatives, const uint8_t* buffer, std::size_t length, void* message) {
+Outcome decodeRequest(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
     Measured measured;
     if (length < 2 || *buffer != 0x30 || !readLength(buffer + 1, length - 1, measured)) return Outcome::GaveUp;
     if (measured.length > length - 1 - measured.octets) return Outcome::GaveUp;
@@ -35,7 +36,7 @@ Outcome request(Alternatives alternatives, const uint8_t* buffer, std::size_t le
     if (measured.length < 2 || user[0] != 0x04 || user[1] >= 0x80) return Outcome::GaveUp;
     const std::size_t userOctets = 2 + std::size_t{user[1]};
     if (userOctets > measured.length) return Outcome::GaveUp;
-    const Chosen chosen = choose(alternatives, user + userOctets, measured.length - userOctets);
+    const Chosen chosen = choose(alternativesOf[channel], user + userOctets, measured.length - userOctets);
     if (!chosen.decoder) return Outcome::GaveUp;
 
     NibbleBuf* block = emptyArena();
@@ -57,8 +58,8 @@ Outcome request(Alternatives alternatives, const uint8_t* buffer, std::size_t le
     return Outcome::Done;
 }
 
-Outcome reply(Alternatives alternatives, const uint8_t* buffer, std::size_t length, void* message) {
-    const Chosen chosen = choose(alternatives, buffer, length);
+Outcome decodeReply(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
+    const Chosen chosen = choose(alternativesOf[channel], buffer, length);
     if (!chosen.decoder) return Outcome::GaveUp;
     NibbleBuf* block = emptyArena();
     Source source{buffer, block->end};
@@ -68,14 +69,6 @@ Outcome reply(Alternatives alternatives, const uint8_t* buffer, std::size_t leng
     if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
     std::memcpy(message, &record, sizeof record);
     return Outcome::Done;
-}
-
-} // namespace
-
-Outcome decode(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
-    const Alternatives alternatives = *alternativesOf[channel];
-    return isRequest(channel) ? request(alternatives, buffer, length, message)
-                              : reply(alternatives, buffer, length, message);
 }
 
 } // namespace zyn::direct

@@ -503,14 +503,19 @@ struct NumberedAlternative {
 };
 using Alternatives = std::span<const NumberedAlternative>;
 
+template <TypeId id> using AlternativeTable = std::array<NumberedAlternative, typeOf(id).byNumber.size()>;
+
 // Those of the four channels; each is defined where its decoders are instantiated.
-extern const Alternatives transactionRequests, transactionReplies, queryRequests, queryReplies;
+extern const AlternativeTable<TypeId::ZynTransReqChoice> transactionRequests;
+extern const AlternativeTable<TypeId::ZynTransRep> transactionReplies;
+extern const AlternativeTable<TypeId::ZynQueryReqChoice> queryRequests;
+extern const AlternativeTable<TypeId::ZynQueryRep> queryReplies;
 
 template <TypeId id>
 inline constexpr auto alternativesByNumber = []<std::size_t... index>(std::index_sequence<index...>) {
     constexpr std::span<const Alternative> rows = typeOf(id).alternatives;
     static_assert(std::ranges::none_of(rows, [](auto& row) { return tagOctets(row.tag) == 2; }));
-    std::array<NumberedAlternative, typeOf(id).byNumber.size()> table{};
+    AlternativeTable<id> table{};
     ((table[rows[index].number] = {alternativeDecoder<rows[index].type, rows[index].kind>(), rows[index].tag}), ...);
     return table;
 }

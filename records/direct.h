@@ -16,11 +16,17 @@ namespace zyn::direct {
 
 enum class Outcome { Done, GaveUp, NoMemory };
 
+Outcome decodeRequest(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message);
+Outcome decodeReply(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message);
+
 // decode reads the message at buffer, which came on that channel, into *message, a structure of the channel's type. The
 // arena must be set up, and is emptied first, unless decode gives up before it needs it. However it ends, the arena's
 // cursor stands behind all memory that was written, so that a reset clears it. It may ask for memory earlier than the
 // exact way does; when that is refused, the exact way tells whether it would have come so far.
-Outcome decode(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message);
+inline Outcome decode(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
+    const bool isRequest = channel == ZYN_TRANS_REQUEST || channel == ZYN_QUERY_REQUEST;
+    return (isRequest ? decodeRequest : decodeReply)(channel, buffer, length, message);
+}
 
 // encode writes the message of type id backwards from end and returns where it starts, or null: gave up. No octet
 // outside [begin, end) is touched.

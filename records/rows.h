@@ -122,9 +122,10 @@ struct Type {
     std::span<const Alternative> alternatives = {};
     std::span<const int16_t> byNumber = {}; // of a Choice: number to row, -1 in a hole and behind the last number
     TypeId id = {};
-    TypeId element = {}; // of a SetOf
-    uint16_t size = 0;   // of the structure, in bytes
-    int16_t firstCode = 0;
+    TypeId element = {};   // of a SetOf
+    uint16_t size = 0;     // of the structure, in bytes
+    int16_t firstCode = 0; // of the type's places of failure
+    int16_t lastCode = 0;  // with fields: that of no field matched, which so needs no counting
     uint16_t tail = 0;     // index of the first field from which on all are OPTIONAL
     uint8_t alignment = 0; // of the structure, in bytes
     Shape shape = Shape::Primitive;

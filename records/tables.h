@@ -69,6 +69,7 @@ consteval std::array<Type, typeCount> assembleTypes() {
             type.module = module.name;
             type.firstCode = code;
             code = siteCode(type, Site::End);
+            type.lastCode = static_cast<int16_t>(code + 1);
             ++next;
         }
     }
