@@ -84,9 +84,11 @@ template <TypeId id>
     return length;
 }
 
-// The landing place of all failures below. Nothing in this frame lives on after one.
-int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope) {
+// The landing place of all failures below. Nothing in this frame lives on after one. Nor does its caller's, which leaves the
+// rest to it: a return behind the jump is one that the processor does not foresee.
+int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* envelope, bool refusedBefore) {
     tellWay(Way::Exact);
+    ResetNibbleMem();
     SBuf b = readBuffer(buffer, length);
     Walk walk{&b, nullptr};
     AsnLen bytesDecoded = 0;
@@ -95,7 +97,8 @@ int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* env
     currentFailure().walk = &walk;
     decodeMessage(walk, id, envelope, &bytesDecoded, env);
     currentFailure().walk = nullptr;
-    return 0;
+    // Memory that was refused once may be given the second time; that is no success.
+    return refusedBefore ? startFailure(ZYN_E_NO_MEMORY).code : 0;
 }
 
 // By ZynChannel.
@@ -110,11 +113,7 @@ constexpr TypeId messageTypes[] = {TypeId::ZynTransReq, TypeId::ZynTransRep, Typ
         tellWay(Way::Direct);
         return 0;
     }
-    ResetNibbleMem();
-    const int32_t code = decodeExact(messageTypes[channel], buffer, length, envelope);
-    // Memory that was refused once may be given the second time; that is no success.
-    if (code == 0 && outcome == direct::Outcome::NoMemory) return startFailure(ZYN_E_NO_MEMORY).code;
-    return code;
+    return decodeExact(messageTypes[channel], buffer, length, envelope, outcome == direct::Outcome::NoMemory);
 }
 
 // The 12 characters that a request's sender gives, without the blanks at their end: what ZynTextStrSet makes of them.

@@ -1,8 +1,7 @@
 // The rules by which every record is decoded.
 //
-// Reading goes forwards, an element at a time, holding one tag that has been read and not yet used. Each function keeps a
-// count of the octets that it consumed and adds it to its caller's when it is done; a record under a definite length
-// is checked by that count alone. A failure leaves all functions at once by a jump to env, so none of them may hold an
+// Reading goes forwards, an element at a time, holding one tag that has been read and not yet used. Each function counts the
+// octets that it consumes and returns the count; a record under a definite length is checked by that count alone. A failure leaves all functions at once by a jump to env, so none of them may hold an
 // object with a destructor; the steps on the stack, from the message down to what is being read, tell where that was. The
 // end of the data is the run-time's business: every tag, length and value read is bounded.
 #include <algorithm>
@@ -35,14 +34,16 @@ void startElement(Decoder& d, Step& step, std::size_t index) {
 }
 
 // The end-of-contents marker of a wrapper, and that of a record.
-void decodeEnd(Decoder& d, Step& step, AsnLen* count) {
+AsnLen decodeEnd(Decoder& d, Step& step) {
     startElement(d, step);
-    BDecEoc(d.b, count, d.env);
+    AsnLen count = 0;
+    BDecEoc(d.b, &count, d.env);
+    return count;
 }
 
-void decodeRecordEnd(Decoder& d, Step& step, AsnLen* count) {
+AsnLen decodeRecordEnd(Decoder& d, Step& step) {
     step.index = noIndex;
-    decodeEnd(d, step, count);
+    return decodeEnd(d, step);
 }
 
 [[noreturn]] void refuseTag(Decoder& d, Step& step, const Type& type, std::size_t field) {
@@ -57,7 +58,7 @@ void decodeRecordEnd(Decoder& d, Step& step, AsnLen* count) {
     raise(d.env, siteCode(type, Site::Length), nullptr);
 }
 
-void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded);
+AsnLen decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value);
 
 [[gnu::always_inline]] inline void* allocate(Decoder& d, uint32_t size) {
     void* memory = fromArena(size);
@@ -86,20 +87,25 @@ bool accepts(const Field& field, AsnTag tag) {
     return (tag & field.mask) == field.tag;
 }
 
-[[gnu::always_inline]] inline void decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length,
-                                               void* value, AsnLen* count) {
+// The count that a value's decoder adds to is one of its own, so that no element has to wait for the count of those before
+// it to come through memory.
+[[gnu::always_inline]] inline AsnLen decodeValue(Decoder& d, Kind kind, TypeId type, AsnTag tag, AsnLen length,
+                                                 void* value) {
+    AsnLen count = 0;
     switch (kind) {
-    case Kind::Int: return BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), count, d.env);
-    case Kind::Bool: return BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), count, d.env);
-    case Kind::Real: return BDecAsnRealContent(d.b, tag, length, static_cast<AsnReal*>(value), count, d.env);
-    case Kind::Octs: return BDecAsnOctsContent(d.b, tag, length, static_cast<AsnOcts*>(value), count, d.env);
-    case Kind::Bits: return BDecAsnBitsContent(d.b, tag, length, static_cast<AsnBits*>(value), count, d.env);
-    default: return decodeType(d, typeOf(type), tag, length, value, count);
+    case Kind::Int: BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), &count, d.env); break;
+    case Kind::Bool: BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), &count, d.env); break;
+    case Kind::Real: BDecAsnRealContent(d.b, tag, length, static_cast<AsnReal*>(value), &count, d.env); break;
+    case Kind::Octs: BDecAsnOctsContent(d.b, tag, length, static_cast<AsnOcts*>(value), &count, d.env); break;
+    case Kind::Bits: BDecAsnBitsContent(d.b, tag, length, static_cast<AsnBits*>(value), &count, d.env); break;
+    default: return decodeType(d, typeOf(type), tag, length, value);
     }
+    return count;
 }
 
-void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, AsnTag tag, void* record, AsnLen* count) {
+AsnLen decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, AsnTag tag, void* record) {
     const Field& field = type.fields[index];
+    AsnLen count = 0;
     AsnLen length = nextLength(d.b, count, d.env);
     const AsnLen outerLength = length;
     if (field.wrapped) {
@@ -115,40 +121,39 @@ void decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, As
         std::memcpy(value, &allocated, sizeof allocated);
         value = allocated;
     }
-    decodeValue(d, field.kind, field.type, tag, length, value, count);
+    count += decodeValue(d, field.kind, field.type, tag, length, value);
     // A wrapper of definite length is not compared with what it held.
-    if (field.wrapped && outerLength == IndefiniteLen) decodeEnd(d, step, count);
+    if (field.wrapped && outerLength == IndefiniteLen) count += decodeEnd(d, step);
     if (field.wrapped) d.walk.inWrapper = false;
+    return count;
 }
 
 // A tag where a record of indefinite length may end: true if it was the first octet of the end-of-contents marker
 // (X.690 8.1.5), whose second octet has then been read as well. Elsewhere 0 is a tag like any other.
-bool atEndOfContents(Decoder& d, Step& step, AsnTag tag, AsnLen length, AsnLen* count) {
+bool atEndOfContents(Decoder& d, Step& step, AsnTag tag, AsnLen length, AsnLen& count) {
     if (tag != 0 || length != IndefiniteLen) return false;
     step.index = noIndex;
-    eocSecondOctet(d.b, count, d.env);
+    AsnLen second = 0;
+    eocSecondOctet(d.b, &second, d.env);
+    count += second;
     return true;
 }
 
 // The fields in table order. A tag that an OPTIONAL field does not accept is held for the next field; there is no way
 // back and no skipping of what is unknown. The end of the record is looked for only where it may stand: behind a field
 // that only OPTIONAL ones follow.
-void decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, void* record, AsnLen* bytesDecoded) {
+AsnLen decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, void* record) {
     AsnLen count = 0;
     const std::size_t fields = type.fields.size();
     if (fields == 0) {
-        if (length == IndefiniteLen) decodeRecordEnd(d, step, &count);
-        else if (length != 0) raise(d.env, siteCode(type, Site::Only), "Expected an empty SEQUENCE\n");
-        *bytesDecoded += count;
-        return;
+        if (length == IndefiniteLen) return decodeRecordEnd(d, step);
+        if (length != 0) raise(d.env, siteCode(type, Site::Only), "Expected an empty SEQUENCE\n");
+        return 0;
     }
-    if (type.tail == 0 && length == 0) return;
+    if (type.tail == 0 && length == 0) return 0;
     startElement(d, step, 0);
-    AsnTag tag = nextTag(d.b, &count, d.env);
-    if (type.tail == 0 && atEndOfContents(d, step, tag, length, &count)) {
-        *bytesDecoded += count;
-        return;
-    }
+    AsnTag tag = nextTag(d.b, count, d.env);
+    if (type.tail == 0 && atEndOfContents(d, step, tag, length, count)) return count;
     for (std::size_t i = 0; i < fields; ++i) {
         const Field& field = type.fields[i];
         if (!accepts(field, tag)) {
@@ -156,85 +161,75 @@ void decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, voi
             continue;
         }
         step.index = static_cast<uint32_t>(i);
-        decodeField(d, step, type, i, tag, record, &count);
+        count += decodeField(d, step, type, i, tag, record);
         const bool last = i + 1 == fields;
         const bool mayEnd = i + 1 >= type.tail;
-        bool ended = false;
         if (last) {
-            if (length == IndefiniteLen) decodeRecordEnd(d, step, &count);
-            else if (count != length) refuseLength(d, step, type, length);
-            ended = true;
-        } else if (mayEnd && length != IndefiniteLen && count == length) {
-            ended = true;
-        } else {
-            startElement(d, step, i + 1);
-            tag = nextTag(d.b, &count, d.env);
-            ended = mayEnd && atEndOfContents(d, step, tag, length, &count);
+            if (length == IndefiniteLen) return count + decodeRecordEnd(d, step);
+            if (count != length) refuseLength(d, step, type, length);
+            return count;
         }
-        if (ended) {
-            *bytesDecoded += count;
-            return;
-        }
+        if (mayEnd && length != IndefiniteLen && count == length) return count;
+        startElement(d, step, i + 1);
+        tag = nextTag(d.b, count, d.env);
+        if (mayEnd && atEndOfContents(d, step, tag, length, count)) return count;
     }
     step.index = noIndex;
     raise(d.env, type.lastCode, nullptr);
 }
 
-void decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnList* list, AsnLen* bytesDecoded) {
+AsnLen decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnList* list) {
     const Type& element = typeOf(type.element);
     AsnLen count = 0;
     while (length == IndefiniteLen || count < length) {
         startElement(d, step, static_cast<std::size_t>(list->count));
-        const AsnTag tag = nextTag(d.b, &count, d.env);
-        if (atEndOfContents(d, step, tag, length, &count)) break;
+        const AsnTag tag = nextTag(d.b, count, d.env);
+        if (atEndOfContents(d, step, tag, length, count)) break;
         if (tag != sequenceTag) raise(d.env, siteCode(type, Site::Only), "Unexpected Tag\n");
-        const AsnLen elementLength = nextLength(d.b, &count, d.env);
+        const AsnLen elementLength = nextLength(d.b, count, d.env);
         void* node = AsnListAppend(list);
         if (!node) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
         void* value = allocate(d, element.size);
         std::memcpy(node, &value, sizeof value);
-        decodeType(d, element, tag, elementLength, value, &count);
+        count += decodeType(d, element, tag, elementLength, value);
     }
-    *bytesDecoded += count;
+    return count;
 }
 
-void decodeChoice(Decoder& d, Step& step, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice,
-                  AsnLen* bytesDecoded) {
+AsnLen decodeChoice(Decoder& d, Step& step, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice) {
     const Alternative* alternative = alternativeByTag(type, tag);
     if (!alternative) raise(d.env, siteCode(type, Site::Only), "ERROR - unexpected tag in CHOICE\n");
-    AsnLen count = 0;
     choice->choiceId = alternative->number;
     step.index = static_cast<uint32_t>(alternative - type.alternatives.data());
-    if (alternative->kind == Kind::Int) {
-        decodeValue(d, Kind::Int, alternative->type, tag, length, &choice->number, &count);
-    } else {
-        void* value = allocate(d, typeOf(alternative->type).size);
-        choice->slot = value;
-        if (alternative->kind == Kind::Choice) {
-            // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an
-            // indefinite length; a definite one is not compared with anything.
-            startElement(d, step);
-            const AsnTag innerTag = nextTag(d.b, &count, d.env);
-            const AsnLen innerLength = nextLength(d.b, &count, d.env);
-            decodeType(d, typeOf(alternative->type), innerTag, innerLength, value, &count);
-            if (length == IndefiniteLen) decodeEnd(d, step, &count);
-        } else {
-            decodeValue(d, alternative->kind, alternative->type, tag, length, value, &count);
-        }
-    }
-    *bytesDecoded += count;
+    if (alternative->kind == Kind::Int)
+        return decodeValue(d, Kind::Int, alternative->type, tag, length, &choice->number);
+    void* value = allocate(d, typeOf(alternative->type).size);
+    choice->slot = value;
+    if (alternative->kind != Kind::Choice)
+        return decodeValue(d, alternative->kind, alternative->type, tag, length, value);
+    // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an indefinite
+    // length; a definite one is not compared with anything.
+    AsnLen count = 0;
+    startElement(d, step);
+    const AsnTag innerTag = nextTag(d.b, count, d.env);
+    const AsnLen innerLength = nextLength(d.b, count, d.env);
+    count += decodeType(d, typeOf(alternative->type), innerTag, innerLength, value);
+    if (length == IndefiniteLen) count += decodeEnd(d, step);
+    return count;
 }
 
-void decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value, AsnLen* bytesDecoded) {
+AsnLen decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value) {
     Step* outer = d.walk.top;
     Step step = {outer, d.b->readLoc, outer->element, length, static_cast<uint16_t>(type.id), noIndex};
     d.walk.top = &step;
+    AsnLen count;
     switch (type.shape) {
-    case Shape::Sequence: decodeSequence(d, step, type, length, value, bytesDecoded); break;
-    case Shape::SetOf: decodeSetOf(d, step, type, length, static_cast<AsnList*>(value), bytesDecoded); break;
-    default: decodeChoice(d, step, type, tag, length, static_cast<ChoiceRecord*>(value), bytesDecoded); break;
+    case Shape::Sequence: count = decodeSequence(d, step, type, length, value); break;
+    case Shape::SetOf: count = decodeSetOf(d, step, type, length, static_cast<AsnList*>(value)); break;
+    default: count = decodeChoice(d, step, type, tag, length, static_cast<ChoiceRecord*>(value)); break;
     }
     d.walk.top = outer;
+    return count;
 }
 
 } // namespace
@@ -243,7 +238,7 @@ void decodeContent(SBuf* b, TypeId type, AsnTag tag, AsnLen length, void* value,
     Step first = firstStep(b, type);
     Walk walk{b, &first};
     Decoder d{b, env, walk};
-    decodeType(d, typeOf(type), tag, length, value, bytesDecoded);
+    *bytesDecoded += decodeType(d, typeOf(type), tag, length, value);
 }
 
 void decodeMessage(SBuf* b, TypeId id, void* value, AsnLen* bytesDecoded, jmp_buf env) {
@@ -263,7 +258,7 @@ void decodeMessage(Walk& walk, TypeId id, void* value, AsnLen* bytesDecoded, jmp
                                         : "BDecZynQueryReq: ERROR - wrong tag\n");
     }
     const AsnLen length = BDecLen(d.b, bytesDecoded, env);
-    decodeType(d, type, tag, length, value, bytesDecoded);
+    *bytesDecoded += decodeType(d, type, tag, length, value);
     walk.top = nullptr;
 }
 

@@ -10,25 +10,32 @@ namespace zyn {
 void eocSecondOctet(SBuf* b, AsnLen* bytesDecoded, jmp_buf env);
 
 // BDecTag and BDecLen for the walkers: what takes one octet, as most tags and lengths do, is read without a call. A length
-// follows its tag, which has not been read from a buffer that has failed.
-inline AsnTag nextTag(SBuf* b, AsnLen* bytesDecoded, jmp_buf env) {
+// follows its tag, which has not been read from a buffer that has failed. The address of count goes nowhere, so that it may
+// stay in a register.
+inline AsnTag nextTag(SBuf* b, AsnLen& count, jmp_buf env) {
     const uint8_t* const at = b->readLoc;
-    if (at == b->dataEnd || b->readError) return BDecTag(b, bytesDecoded, env);
-    const uint8_t octet = *at;
-    if ((octet & 0x1F) == 0x1F) return BDecTag(b, bytesDecoded, env);
+    if (at == b->dataEnd || b->readError || (*at & 0x1F) == 0x1F) {
+        AsnLen octets = 0;
+        const AsnTag tag = BDecTag(b, &octets, env);
+        count += octets;
+        return tag;
+    }
     b->readLoc += 1;
-    ++*bytesDecoded;
-    return AsnTag{octet} << 24;
+    ++count;
+    return AsnTag{*at} << 24;
 }
 
-inline AsnLen nextLength(SBuf* b, AsnLen* bytesDecoded, jmp_buf env) {
+inline AsnLen nextLength(SBuf* b, AsnLen& count, jmp_buf env) {
     const uint8_t* const at = b->readLoc;
-    if (at == b->dataEnd) return BDecLen(b, bytesDecoded, env);
-    const uint8_t octet = *at;
-    if (octet > 0x80) return BDecLen(b, bytesDecoded, env);
+    if (at == b->dataEnd || *at > 0x80) {
+        AsnLen octets = 0;
+        const AsnLen length = BDecLen(b, &octets, env);
+        count += octets;
+        return length;
+    }
     b->readLoc += 1;
-    ++*bytesDecoded;
-    return octet < 0x80 ? octet : IndefiniteLen;
+    ++count;
+    return *at < 0x80 ? *at : IndefiniteLen;
 }
 
 } // namespace zyn

@@ -48,9 +48,9 @@ void keep(int32_t code) {
     failure.length = top.length;
     failure.headOctets = static_cast<uint32_t>(std::min(sizeof failure.head, size_t(b.dataEnd - element)));
     std::copy_n(element, failure.headOctets, failure.head);
-    for (const Step* step = &top; step; step = step->outer)
-        failure.path[failure.pathLength++] = {step->type, step->index};
-    std::reverse(failure.path, failure.path + failure.pathLength);
+    for (const Step* step = &top; step; step = step->outer) ++failure.pathLength;
+    PathStep* inner = failure.path + failure.pathLength;
+    for (const Step* step = &top; step; step = step->outer) *--inner = {step->type, step->index};
 }
 
 } // namespace

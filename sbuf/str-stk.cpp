@@ -81,12 +81,12 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
     const uint8_t* previous = nullptr; // primitive component
     for (;;) {
         const uint8_t* component = failure.component = b->readLoc;
-        const AsnTag tag = nextTag(b, &count, env);
+        const AsnTag tag = nextTag(b, count, env);
         bool ended = true;
         if (tag == 0 && length == IndefiniteLen) {
             eocSecondOctet(b, &count, env);
         } else {
-            const AsnLen componentLength = nextLength(b, &count, env);
+            const AsnLen componentLength = nextLength(b, count, env);
             if (tag == rules.primitive) {
                 if (unusedBits != 0) failure.component = previous; // to blame that it is not the last
                 previous = component;
