@@ -25,7 +25,7 @@ Outcome decodeReply(ZynChannel channel, const uint8_t* buffer, std::size_t lengt
 // exact way does; when that is refused, the exact way tells whether it would have come so far.
 inline Outcome decode(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
     const bool isRequest = channel == ZYN_TRANS_REQUEST || channel == ZYN_QUERY_REQUEST;
-    return (isRequest ? decodeRequest : decodeReply)(channel, buffer, length, message);
+    return isRequest ? decodeRequest(channel, buffer, length, message) : decodeReply(channel, buffer, length, message);
 }
 
 // encode writes the message of type id backwards from end and returns where it starts, or null: gave up. No octet
