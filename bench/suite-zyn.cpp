@@ -12,6 +12,7 @@ namespace {
 constexpr const char* who = "zyn";
 constexpr std::size_t bufferSize = 65536;
 constexpr std::size_t rounds = 64;      // of the mixed traffic, each in another order
+constexpr std::size_t turns = 10;       // of all rounds in a repetition
 constexpr std::size_t hotRepeats = 256; // of one message in a row, for what it costs alone
 
 uint8_t buffer[bufferSize];
@@ -110,10 +111,13 @@ Order oneByOne(std::size_t count) {
     return order;
 }
 
-// Calls what for each place in the order.
+// Calls what for each place in the order, so often that what ran before, and has to be driven out of all caches, is of no
+// account.
 template <typename What> void inOrder(benchmark::State& state, const Order& order, What&& what) {
-    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(order.size()))) {
-        for (const uint16_t i : order) benchmark::DoNotOptimize(what(i));
+    while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(turns * order.size()))) {
+        for (std::size_t turn = 0; turn < turns; ++turn) {
+            for (const uint16_t i : order) benchmark::DoNotOptimize(what(i));
+        }
     }
 }
 
