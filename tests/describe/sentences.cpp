@@ -110,6 +110,10 @@ TEST_F(Sentences, OfDecodes) {
          "-26 CommonTypes.AsnSequenceContext.seqNum upQueryMsg.boardReq.seqContext.seqNum @14: the data end where a "
          "tag is "
          "due, or inside it: expected INTEGER (02) for seqNum, found the end of the data"},
+        {queryRequest, "30 80 04 02 55 31 BF 82 05 80 30 80 A1 03 02 01 05",
+         "-26 CommonTypes.AsnSequenceContext.recNum upQueryMsg.boardReq.seqContext.recNum @17: the data end where a "
+         "tag is "
+         "due, or inside it: expected INTEGER (A2) for recNum or what may follow it, found the end of the data"},
         // Ends of indefinite lengths: of a record, of a wrapper, where a record may end.
         {queryRequest, "30 80 04 02 55 31 BF 82 0D 80 02 01 07 05 00",
          "-16 Index.ZynIndexReq. upQueryMsg.indexReq @13: no end-of-contents marker where one is due: "

@@ -327,6 +327,24 @@ TEST_F(TwoWaysTest, UserIdsOfAllLengths) {
     }
 }
 
+// The wrapper round an alternative that is itself a CHOICE claims fewer octets than there are, or more.
+TEST_F(TwoWaysTest, WrappersThatClaimOtherLengths) {
+    const Channel& channel = channelOf(TypeId::ZynTransReq);
+    for (const char* inner : {"80 01 05", "80 01", "80", "82 04 01 02 03", "82 02 01 02", "A1 03 30 01"}) {
+        for (uint8_t claimed = 0; claimed < 12; ++claimed) {
+            Octets wrapped = hex("04 02 55 31 BF 83 21");
+            const Octets octets = hex(inner);
+            wrapped.push_back(claimed);
+            wrapped.insert(wrapped.end(), octets.begin(), octets.end());
+            Octets message = {0x30, static_cast<uint8_t>(wrapped.size())};
+            message.insert(message.end(), wrapped.begin(), wrapped.end());
+            receiveAnything(channel, message);
+        }
+    }
+    EXPECT_GT(accepted, 5u);
+    EXPECT_GT(refused, 40u);
+}
+
 TEST_F(TwoWaysTest, LongBitStrings) {
     const Channel& channel = channelOf(TypeId::ZynQueryRep);
     Sampler sampler(1);

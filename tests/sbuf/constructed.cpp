@@ -165,8 +165,12 @@ TEST_F(Constructed, TheStackGrowsOnePieceBeyondEachStep) {
     struct Row {
         unsigned pieces;
         uint32_t elements;
+        uint32_t step = 64; // of 0, the least there can be is taken
     };
-    for (const Row& row : {Row{1, 128}, {128, 128}, {129, 192}, {192, 192}, {193, 256}, {1, 256}, {1000, 1024}}) {
+    const Row rows[] = {{1, 128},   {128, 128}, {129, 192},   {192, 192},
+                        {193, 256}, {1, 256},   {1000, 1024}, {1026, 1026, 0}};
+    for (const Row& row : rows) {
+        strStkG.growElmts = row.step;
         std::vector<uint8_t> octets = {0x24, 0x80};
         for (unsigned i = 0; i < row.pieces; ++i) octets.insert(octets.end(), {0x04, 0x01, static_cast<uint8_t>(i)});
         octets.insert(octets.end(), {0, 0});
@@ -180,6 +184,7 @@ TEST_F(Constructed, TheStackGrowsOnePieceBeyondEachStep) {
         EXPECT_EQ(strStkG.nextFreeElmt, row.pieces);
         EXPECT_EQ(strStkG.totalByteLen, row.pieces);
     }
+    strStkG.growElmts = 64;
     zyn::releaseRuntime();
     EXPECT_EQ(strStkG.stk, nullptr);
     EXPECT_EQ(strStkG.numElmts, 0u);
