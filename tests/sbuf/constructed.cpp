@@ -161,6 +161,18 @@ TEST_F(Constructed, DefiniteLengthsToAnyDepth) {
     EXPECT_EQ(count, octets.size());
 }
 
+// What stands for the count is the 1 that a read behind the end gives; whatever is read next fails.
+TEST_F(Constructed, TheCountOfUnusedBitsIsMissingBehindOtherBits) {
+    std::vector<uint8_t> octets = {0x03, 0x02, 0x00, 0xF0, 0x03, 0x01};
+    SBuf b = readingBuffer(octets.data(), octets.size());
+    AsnLen count = 0;
+    AsnBits bits{};
+    EXPECT_EQ(caught([&](jmp_buf env) { BDecAsnBitsContent(&b, 0x23000000, 6, &bits, &count, env); }).code, 0);
+    EXPECT_EQ(bits.bitLen, 7);
+    EXPECT_EQ(bits.bits[0], 0xF0);
+    EXPECT_EQ(b.readError, 1);
+}
+
 TEST_F(Constructed, TheStackGrowsOnePieceBeyondEachStep) {
     struct Row {
         unsigned pieces;
