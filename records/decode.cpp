@@ -1,14 +1,17 @@
 // The rules by which every record is decoded.
 //
 // Reading goes forwards, an element at a time, holding one tag that has been read and not yet used. Each function counts the
-// octets that it consumes and returns the count; a record under a definite length is checked by that count alone. A failure leaves all functions at once by a jump to env, so none of them may hold an
-// object with a destructor; the steps on the stack, from the message down to what is being read, tell where that was. The
-// end of the data is the run-time's business: every tag, length and value read is bounded.
+// octets that it consumes and returns the count; a record under a definite length is checked by that count alone. A failure
+// leaves all functions at once by a jump to env, so none of them may hold an object with a destructor; the steps on the
+// stack, from the message down to what is being read, tell where that was. The end of the data is the run-time's business:
+// every tag, length and value read is bounded.
 #include <algorithm>
 
 #include "records/exact.h"
 #include "records/members.h"
 #include "records/tables.h"
+#include "sbuf/asn-bool.h"
+#include "sbuf/asn-int.h"
 #include "sbuf/asn-len.h"
 #include "sbuf/failure.h"
 #include "sbuf/nibble-alloc.h"
@@ -23,6 +26,15 @@ struct Decoder {
     std::remove_extent_t<jmp_buf>* env;
     Walk& walk;
 };
+
+// The content of a record, list or choice begins here; and it has been read.
+void enter(Decoder& d, Step& step, const Type& type, AsnLen length) {
+    Step* outer = d.walk.top;
+    step = {outer, d.b->readLoc, outer->element, length, static_cast<uint16_t>(type.id), noIndex};
+    d.walk.top = &step;
+}
+
+void leave(Decoder& d, const Step& step) { d.walk.top = step.outer; }
 
 // An element of step's record is about to be read whose tag comes next.
 void startElement(Decoder& d, Step& step) { step.element = d.b->readLoc; }
@@ -58,17 +70,13 @@ AsnLen decodeRecordEnd(Decoder& d, Step& step) {
     raise(d.env, siteCode(type, Site::Length), nullptr);
 }
 
-AsnLen decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value);
-
-[[gnu::always_inline]] inline void* allocate(Decoder& d, uint32_t size) {
-    void* memory = fromArena(size);
-    if (!memory) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
-    return memory;
-}
+AsnLen decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record);
+AsnLen decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list);
+AsnLen decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice);
 
 // Memory for a value that a member points to; a list starts out made for elements of one pointer each.
-void* allocateValue(Decoder& d, const Type& type) {
-    if (type.shape != Shape::SetOf) return allocate(d, type.size);
+[[gnu::always_inline]] inline void* allocateValue(Decoder& d, const Field& field) {
+    if (field.kind != Kind::SetOf) return allocate(typeOf(field.type).size, d.env);
     AsnList* list = AsnListNew(sizeof(void*));
     if (!list) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
     return list;
@@ -83,8 +91,8 @@ const Alternative* alternativeByTag(const Type& type, AsnTag tag) {
 }
 
 bool accepts(const Field& field, AsnTag tag) {
-    if (field.kind == Kind::Choice) return alternativeByTag(typeOf(field.type), tag) != nullptr;
-    return (tag & field.mask) == field.tag;
+    if ((tag & field.mask) != field.tag) return false;
+    return field.kind != Kind::Choice || alternativeByTag(typeOf(field.type), tag);
 }
 
 // The count that a value's decoder adds to is one of its own, so that no element has to wait for the count of those before
@@ -93,38 +101,41 @@ bool accepts(const Field& field, AsnTag tag) {
                                                  void* value) {
     AsnLen count = 0;
     switch (kind) {
-    case Kind::Int: BDecAsnIntContent(d.b, tag, length, static_cast<AsnInt*>(value), &count, d.env); break;
-    case Kind::Bool: BDecAsnBoolContent(d.b, tag, length, static_cast<AsnBool*>(value), &count, d.env); break;
+    case Kind::Int: takeInt(d.b, length, static_cast<AsnInt*>(value), count, d.env); break;
+    case Kind::Bool: takeBool(d.b, length, static_cast<AsnBool*>(value), count, d.env); break;
     case Kind::Real: BDecAsnRealContent(d.b, tag, length, static_cast<AsnReal*>(value), &count, d.env); break;
     case Kind::Octs: BDecAsnOctsContent(d.b, tag, length, static_cast<AsnOcts*>(value), &count, d.env); break;
     case Kind::Bits: BDecAsnBitsContent(d.b, tag, length, static_cast<AsnBits*>(value), &count, d.env); break;
-    default: return decodeType(d, typeOf(type), tag, length, value);
+    case Kind::Sequence: return decodeSequence(d, typeOf(type), length, value);
+    case Kind::SetOf: return decodeSetOf(d, typeOf(type), length, static_cast<AsnList*>(value));
+    case Kind::Choice: return decodeChoice(d, typeOf(type), tag, length, static_cast<ChoiceRecord*>(value));
     }
     return count;
 }
 
-AsnLen decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, AsnTag tag, void* record) {
-    const Field& field = type.fields[index];
-    AsnLen count = 0;
-    AsnLen length = nextLength(d.b, count, d.env);
-    const AsnLen outerLength = length;
-    if (field.wrapped) {
-        startElement(d, step);
-        d.walk.inWrapper = true;
-        tag = nextTag(d.b, count, d.env);
-        if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
-        length = nextLength(d.b, count, d.env);
-    }
+[[gnu::always_inline]] inline AsnLen decodeMember(Decoder& d, const Field& field, AsnTag tag, AsnLen length,
+                                                  void* record) {
     void* value = memberOf(record, field);
     if (field.pointer) {
-        void* allocated = allocateValue(d, typeOf(field.type));
+        void* allocated = allocateValue(d, field);
         std::memcpy(value, &allocated, sizeof allocated);
         value = allocated;
     }
-    count += decodeValue(d, field.kind, field.type, tag, length, value);
-    // A wrapper of definite length is not compared with what it held.
-    if (field.wrapped && outerLength == IndefiniteLen) count += decodeEnd(d, step);
-    if (field.wrapped) d.walk.inWrapper = false;
+    return decodeValue(d, field.kind, field.type, tag, length, value);
+}
+
+// A field whose tag is a wrapper round the value's own. A wrapper of definite length is not compared with what it held.
+[[gnu::cold]] AsnLen decodeWrapped(Decoder& d, Step& step, const Type& type, std::size_t index, AsnLen outerLength,
+                                   void* record) {
+    AsnLen count = 0;
+    startElement(d, step);
+    d.walk.inWrapper = true;
+    const AsnTag tag = nextTag(d.b, count, d.env);
+    if (tag != integerTag) raise(d.env, siteCode(type, Site::InnerTag, index), "Unexpected Tag\n");
+    const AsnLen length = nextLength(d.b, count, d.env);
+    count += decodeMember(d, type.fields[index], tag, length, record);
+    if (outerLength == IndefiniteLen) count += decodeEnd(d, step);
+    d.walk.inWrapper = false;
     return count;
 }
 
@@ -133,16 +144,16 @@ AsnLen decodeField(Decoder& d, Step& step, const Type& type, std::size_t index, 
 bool atEndOfContents(Decoder& d, Step& step, AsnTag tag, AsnLen length, AsnLen& count) {
     if (tag != 0 || length != IndefiniteLen) return false;
     step.index = noIndex;
-    AsnLen second = 0;
-    eocSecondOctet(d.b, &second, d.env);
-    count += second;
+    eocSecondOctet(d.b, d.env);
+    ++count;
     return true;
 }
 
 // The fields in table order. A tag that an OPTIONAL field does not accept is held for the next field; there is no way
 // back and no skipping of what is unknown. The end of the record is looked for only where it may stand: behind a field
 // that only OPTIONAL ones follow.
-AsnLen decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, void* record) {
+[[gnu::always_inline]] inline AsnLen decodeFields(Decoder& d, Step& step, const Type& type, AsnLen length,
+                                                  void* record) {
     AsnLen count = 0;
     const std::size_t fields = type.fields.size();
     if (fields == 0) {
@@ -154,22 +165,23 @@ AsnLen decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, v
     startElement(d, step, 0);
     AsnTag tag = nextTag(d.b, count, d.env);
     if (type.tail == 0 && atEndOfContents(d, step, tag, length, count)) return count;
-    for (std::size_t i = 0; i < fields; ++i) {
-        const Field& field = type.fields[i];
-        if (!accepts(field, tag)) {
-            if (!field.optional) refuseTag(d, step, type, i);
+    const Field* field = type.fields.data();
+    for (std::size_t i = 0; i < fields; ++i, ++field) {
+        if (!accepts(*field, tag)) {
+            if (!field->optional) refuseTag(d, step, type, i);
             continue;
         }
         step.index = static_cast<uint32_t>(i);
-        count += decodeField(d, step, type, i, tag, record);
-        const bool last = i + 1 == fields;
+        const AsnLen fieldLength = nextLength(d.b, count, d.env);
+        count += field->wrapped ? decodeWrapped(d, step, type, i, fieldLength, record)
+                                : decodeMember(d, *field, tag, fieldLength, record);
         const bool mayEnd = i + 1 >= type.tail;
-        if (last) {
-            if (length == IndefiniteLen) return count + decodeRecordEnd(d, step);
-            if (count != length) refuseLength(d, step, type, length);
-            return count;
+        if (mayEnd) {
+            const bool last = i + 1 == fields;
+            if (last && length == IndefiniteLen) return count + decodeRecordEnd(d, step);
+            if (count == length && length != IndefiniteLen) return count;
+            if (last) refuseLength(d, step, type, length);
         }
-        if (mayEnd && length != IndefiniteLen && count == length) return count;
         startElement(d, step, i + 1);
         tag = nextTag(d.b, count, d.env);
         if (mayEnd && atEndOfContents(d, step, tag, length, count)) return count;
@@ -178,7 +190,17 @@ AsnLen decodeSequence(Decoder& d, Step& step, const Type& type, AsnLen length, v
     raise(d.env, type.lastCode, nullptr);
 }
 
-AsnLen decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnList* list) {
+AsnLen decodeSequence(Decoder& d, const Type& type, AsnLen length, void* record) {
+    Step step;
+    enter(d, step, type, length);
+    const AsnLen count = decodeFields(d, step, type, length, record);
+    leave(d, step);
+    return count;
+}
+
+AsnLen decodeSetOf(Decoder& d, const Type& type, AsnLen length, AsnList* list) {
+    Step step;
+    enter(d, step, type, length);
     const Type& element = typeOf(type.element);
     AsnLen count = 0;
     while (length == IndefiniteLen || count < length) {
@@ -189,47 +211,45 @@ AsnLen decodeSetOf(Decoder& d, Step& step, const Type& type, AsnLen length, AsnL
         const AsnLen elementLength = nextLength(d.b, count, d.env);
         void* node = AsnListAppend(list);
         if (!node) raise(d.env, ZYN_E_NO_MEMORY, nullptr);
-        void* value = allocate(d, element.size);
+        void* value = allocate(element.size, d.env);
         std::memcpy(node, &value, sizeof value);
-        count += decodeType(d, element, tag, elementLength, value);
+        count += decodeSequence(d, element, elementLength, value);
     }
+    leave(d, step);
     return count;
 }
 
-AsnLen decodeChoice(Decoder& d, Step& step, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice) {
+AsnLen decodeChoice(Decoder& d, const Type& type, AsnTag tag, AsnLen length, ChoiceRecord* choice) {
+    Step step;
+    enter(d, step, type, length);
     const Alternative* alternative = alternativeByTag(type, tag);
     if (!alternative) raise(d.env, siteCode(type, Site::Only), "ERROR - unexpected tag in CHOICE\n");
     choice->choiceId = alternative->number;
     step.index = static_cast<uint32_t>(alternative - type.alternatives.data());
-    if (alternative->kind == Kind::Int)
-        return decodeValue(d, Kind::Int, alternative->type, tag, length, &choice->number);
-    void* value = allocate(d, typeOf(alternative->type).size);
-    choice->slot = value;
-    if (alternative->kind != Kind::Choice)
-        return decodeValue(d, alternative->kind, alternative->type, tag, length, value);
-    // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an indefinite
-    // length; a definite one is not compared with anything.
+    void* value = &choice->number;
+    if (alternative->kind != Kind::Int) choice->slot = value = allocate(typeOf(alternative->type).size, d.env);
     AsnLen count = 0;
-    startElement(d, step);
-    const AsnTag innerTag = nextTag(d.b, count, d.env);
-    const AsnLen innerLength = nextLength(d.b, count, d.env);
-    count += decodeType(d, typeOf(alternative->type), innerTag, innerLength, value);
-    if (length == IndefiniteLen) count += decodeEnd(d, step);
+    if (alternative->kind != Kind::Choice) {
+        count = decodeValue(d, alternative->kind, alternative->type, tag, length, value);
+    } else {
+        // The alternative's tag is a wrapper round the inner alternative. Its end is looked for only under an indefinite
+        // length; a definite one is not compared with anything.
+        startElement(d, step);
+        const AsnTag innerTag = nextTag(d.b, count, d.env);
+        const AsnLen innerLength = nextLength(d.b, count, d.env);
+        count += decodeChoice(d, typeOf(alternative->type), innerTag, innerLength, static_cast<ChoiceRecord*>(value));
+        if (length == IndefiniteLen) count += decodeEnd(d, step);
+    }
+    leave(d, step);
     return count;
 }
 
 AsnLen decodeType(Decoder& d, const Type& type, AsnTag tag, AsnLen length, void* value) {
-    Step* outer = d.walk.top;
-    Step step = {outer, d.b->readLoc, outer->element, length, static_cast<uint16_t>(type.id), noIndex};
-    d.walk.top = &step;
-    AsnLen count;
     switch (type.shape) {
-    case Shape::Sequence: count = decodeSequence(d, step, type, length, value); break;
-    case Shape::SetOf: count = decodeSetOf(d, step, type, length, static_cast<AsnList*>(value)); break;
-    default: count = decodeChoice(d, step, type, tag, length, static_cast<ChoiceRecord*>(value)); break;
+    case Shape::Sequence: return decodeSequence(d, type, length, value);
+    case Shape::SetOf: return decodeSetOf(d, type, length, static_cast<AsnList*>(value));
+    default: return decodeChoice(d, type, tag, length, static_cast<ChoiceRecord*>(value));
     }
-    d.walk.top = outer;
-    return count;
 }
 
 } // namespace

@@ -94,7 +94,7 @@ template <typename Value> consteval Kind kindOf() {
 struct Field {
     const char* name;
     AsnTag tag;  // as it stands on the wire, in primitive form for strings; 0 for a CHOICE
-    AsnTag mask; // of what a tag on the wire has to have in common with it: a string may be constructed
+    AsnTag mask; // of what a tag on the wire has to have in common with it: a string may be constructed; 0 for a CHOICE
     TypeId type;
     uint16_t offset; // of the member in the record
     Kind kind;
@@ -149,7 +149,7 @@ consteval Field field(const char* name, std::size_t offset, SchemaTag tag, TypeI
     const bool wrapped = tag.form == SchemaTag::Form::Explicit;
     const AsnTag wire = tag.form == SchemaTag::Form::Universal ? universalTag(type, kind)
                                                                : contextTag(tag.number, wrapped || isConstructed(kind));
-    const AsnTag mask = isString(kind) ? ~constructedBit : ~AsnTag{0};
+    const AsnTag mask = kind == Kind::Choice ? 0 : isString(kind) ? ~constructedBit : ~AsnTag{0};
     return {name, wire, mask, type, static_cast<uint16_t>(offset), kind, optional, wrapped, pointer};
 }
 

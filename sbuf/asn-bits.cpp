@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "sbuf/failure.h"
+#include "sbuf/nibble-alloc.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
 #include "sbuf/wire-form.h"
@@ -36,18 +37,12 @@ int32_t bitLength(uint32_t octets, unsigned unused, jmp_buf env) {
     return static_cast<int32_t>(bits - unused);
 }
 
-uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
-    auto* bits = static_cast<uint8_t*>(NibbleAlloc(length));
-    if (!bits) zyn::raise(env, ZYN_E_NO_MEMORY, nullptr);
-    return bits;
-}
-
 void decodeConstructed(SBuf* b, AsnLen len, AsnBits* result, AsnLen* bytesDecoded, jmp_buf env) {
     unsigned unused = zyn::gatherPieces(b, len, components, bytesDecoded, env);
     const uint32_t octets = zyn::currentStrStk().totalByteLen;
     if (b->readError && octets == 0) unused = 0; // the data ended before the count; what is read next fails
     result->bitLen = bitLength(octets, unused, env);
-    result->bits = allocateOctets(octets, env);
+    result->bits = static_cast<uint8_t*>(zyn::allocate(octets, env));
     zyn::copyPieces(result->bits);
 }
 
@@ -90,7 +85,7 @@ void BDecAsnBitsContent(SBuf* b, AsnTag tagId, AsnLen len, AsnBits* result, AsnL
     }
     if (b->readError) zyn::raise(env, ZYN_E_BITS_CUT, "BDecAsnBitsContent: ERROR - decoded past end of data\n");
     result->bitLen = bitLength(octets, unused, env);
-    result->bits = allocateOctets(octets, env);
+    result->bits = static_cast<uint8_t*>(zyn::allocate(octets, env));
     SBufCopySeg(b, result->bits, octets);
 }
 

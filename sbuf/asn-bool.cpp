@@ -1,7 +1,5 @@
 // BOOLEAN (X.690 8.2).
-#include "sbuf/failure.h"
-#include "zyn/asn.h"
-#include "zyn/codes.h"
+#include "sbuf/asn-bool.h"
 
 AsnLen BEncAsnBoolContent(SBuf* b, AsnBool* data) {
     SBufPushByte(b, *data ? 0xFF : 0x00);
@@ -16,10 +14,7 @@ AsnLen BEncAsnBool(SBuf* b, AsnBool* data) {
 }
 
 void BDecAsnBoolContent(SBuf* b, AsnTag, AsnLen len, AsnBool* result, AsnLen* bytesDecoded, jmp_buf env) {
-    if (len != 1) zyn::raise(env, ZYN_E_BOOL_LENGTH, "BDecAsnBoolContent: ERROR - BOOLEAN length must be 1\n");
-    ++*bytesDecoded;
-    *result = SBufNextByte(b) != 0;
-    if (b->readError) zyn::raise(env, ZYN_E_BOOL_CUT, "BDecAsnBoolContent: ERROR - decoded past end of data\n");
+    zyn::takeBool(b, len, result, *bytesDecoded, env);
 }
 
 void BDecAsnBool(SBuf* b, AsnBool* result, AsnLen* bytesDecoded, jmp_buf env) {

@@ -28,16 +28,7 @@ AsnLen BEncAsnInt(SBuf* b, AsnInt* data) {
 }
 
 void BDecAsnIntContent(SBuf* b, AsnTag, AsnLen len, AsnInt* result, AsnLen* bytesDecoded, jmp_buf env) {
-    if (len > 4) zyn::raise(env, ZYN_E_INT_LENGTH, "BDecAsnIntContent: ERROR - integer to big to decode.\n");
-    if (len == 0) zyn::raise(env, ZYN_E_INT_EMPTY, "BDecAsnIntContent: ERROR - INTEGER without content\n");
-    AsnLen taken = len;
-    const uint8_t* octets = SBufTakeSeg(b, &taken);
-    if (taken < len) b->readError = 1;
-    if (b->readError) zyn::raise(env, ZYN_E_INT_CUT, "BDecAsnIntContent: ERROR - decoded past end of data \n");
-    uint32_t value = static_cast<uint32_t>(static_cast<int8_t>(octets[0]));
-    for (AsnLen i = 1; i < len; ++i) value = value << 8 | octets[i];
-    *bytesDecoded += len;
-    *result = static_cast<AsnInt>(value);
+    zyn::takeInt(b, len, result, *bytesDecoded, env);
 }
 
 void BDecAsnInt(SBuf* b, AsnInt* result, AsnLen* bytesDecoded, jmp_buf env) {

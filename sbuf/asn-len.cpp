@@ -53,9 +53,8 @@ void BDecEoc(SBuf* b, AsnLen* bytesDecoded, jmp_buf env) {
     *bytesDecoded += 2;
 }
 
-void zyn::eocSecondOctet(SBuf* b, AsnLen* bytesDecoded, jmp_buf env) {
+void zyn::eocSecondOctet(SBuf* b, jmp_buf env) {
     if (SBufNextByte(b) != 0) { // behind the data are no 0 octets
         raise(env, ZYN_E_EOC_SECOND_OCTET, "ERROR - second octet of EOC not zero\n");
     }
-    ++*bytesDecoded;
 }

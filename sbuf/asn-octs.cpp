@@ -28,9 +28,7 @@ constexpr zyn::ComponentRules components = {
 // Room for the octets and the 0 byte that follows them, so that text can be used as a terminated string; the arena's memory
 // is all 0.
 inline uint8_t* allocateOctets(uint32_t length, jmp_buf env) {
-    auto* octs = static_cast<uint8_t*>(zyn::fromArena(length + 1)); // length is below IndefiniteLen
-    if (!octs) zyn::raise(env, ZYN_E_NO_MEMORY, nullptr);
-    return octs;
+    return static_cast<uint8_t*>(zyn::allocate(length + 1, env)); // length is below IndefiniteLen
 }
 
 void decodeConstructed(SBuf* b, AsnLen len, AsnOcts* result, AsnLen* bytesDecoded, jmp_buf env) {
@@ -68,7 +66,7 @@ void BDecAsnOctsContent(SBuf* b, AsnTag tagId, AsnLen len, AsnOcts* result, AsnL
     }
     if (b->readError) zyn::raise(env, ZYN_E_OCTS_CUT, "BDecOctetString: ERROR - decoded past end of data\n");
     result->octs = allocateOctets(len, env);
-    SBufCopySeg(b, result->octs, len);
+    if (len > 0) std::memcpy(result->octs, SBufTakeSeg(b, &len), len);
     *bytesDecoded += len;
 }
 

@@ -1,6 +1,7 @@
 // REAL (X.690 8.5).
 #include "sbuf/asn-real.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "sbuf/asn-int.h"
@@ -40,12 +41,15 @@ Exponent readExponent(SBuf* b, uint8_t first) {
     return {static_cast<int32_t>(value), octet + 1u, octet == 0};
 }
 
-// The mantissa octets as a double. Those that the data lack read as 1; they are not walked for ever, since the value
-// becomes infinite and stays so.
+// The mantissa octets as a double, rounded with each octet; up to seven are rounded once in any case. Those that the data
+// lack read as 1; they are not walked for ever, since the value becomes infinite and stays so.
 double readMantissa(SBuf* b, uint64_t octets) {
-    const uint64_t present = static_cast<uint64_t>(b->dataEnd - b->readLoc);
-    double mantissa = 0.0;
-    for (uint64_t i = 0; i < octets && i < present; ++i) mantissa = mantissa * 256.0 + *b->readLoc++;
+    const uint64_t present = std::min(octets, static_cast<uint64_t>(b->dataEnd - b->readLoc));
+    const uint64_t atOnce = std::min(present, uint64_t{7});
+    uint64_t head = 0;
+    for (uint64_t i = 0; i < atOnce; ++i) head = head << 8 | *b->readLoc++;
+    auto mantissa = static_cast<double>(head);
+    for (uint64_t i = atOnce; i < present; ++i) mantissa = mantissa * 256.0 + *b->readLoc++;
     for (uint64_t i = present; i < octets; ++i) {
         b->readError = 1;
         mantissa = mantissa * 256.0 + 1.0;

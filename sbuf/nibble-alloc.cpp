@@ -1,13 +1,17 @@
 // The arena: zero-filled memory that is handed out piece by piece and taken back all at once.
 //
 // Every byte that is handed out is 0. Decoders rely on it: a record fresh from here has all its OPTIONAL fields absent.
+#include "sbuf/nibble-alloc.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
+#include "sbuf/failure.h"
 #include "sbuf/state.h"
 #include "sbuf/str-stk.h"
 #include "zyn/asn.h"
+#include "zyn/codes.h"
 
 NibbleMem* nmG = nullptr;
 
@@ -102,6 +106,12 @@ void ShutdownNibbleMem(void) {
     zyn::currentArena() = nullptr;
     freeBlocks(arena->firstNibbleBuf);
     std::free(arena);
+}
+
+void* zyn::allocateSlowly(uint32_t size, jmp_buf env) {
+    void* memory = NibbleAlloc(size);
+    if (!memory) raise(env, ZYN_E_NO_MEMORY, nullptr);
+    return memory;
 }
 
 void zyn::releaseRuntime() {

@@ -1,21 +1,26 @@
 #pragma once
 
+#include <csetjmp>
+
 #include "sbuf/state.h"
 
 namespace zyn {
 
-// NibbleAlloc for the library's own code: what the current block has room for, and to spare, is taken without a call.
-inline void* fromArena(uint32_t size) {
+// NibbleAlloc for decoders, who fail when memory is refused.
+[[gnu::cold]] void* allocateSlowly(uint32_t size, jmp_buf env);
+
+// The same. What the current block has room for, and to spare, is taken without a call.
+inline void* allocate(uint32_t size, jmp_buf env) {
     if (const NibbleMem* arena = currentArena()) {
         NibbleBuf* block = arena->currNibbleBuf;
         const std::size_t rounded = (std::size_t{size} + 7) & ~std::size_t{7};
-        if (rounded < static_cast<std::size_t>(block->end - block->curr)) {
+        if (rounded < static_cast<std::size_t>(block->end - block->curr)) [[likely]] {
             uint8_t* memory = block->curr;
             block->curr += rounded;
             return memory;
         }
     }
-    return NibbleAlloc(size);
+    return allocateSlowly(size, env);
 }
 
 // ResetNibbleMem, for an arena that mostly is empty or has one block. Returns the block that is in use then.

@@ -84,7 +84,8 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
         const AsnTag tag = nextTag(b, count, env);
         bool ended = true;
         if (tag == 0 && length == IndefiniteLen) {
-            eocSecondOctet(b, &count, env);
+            eocSecondOctet(b, env);
+            ++count;
         } else {
             const AsnLen componentLength = nextLength(b, count, env);
             if (tag == rules.primitive) {
