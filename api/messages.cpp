@@ -12,6 +12,7 @@
 #include "records/direct.h"
 #include "records/exact.h"
 #include "records/octets.h"
+#include "records/tables.h"
 #include "sbuf/nibble-alloc.h"
 #include "zyn/codes.h"
 #include "zyn/describe.h"
@@ -101,9 +102,6 @@ int32_t decodeExact(TypeId id, const uint8_t* buffer, uint32_t length, void* env
     return refusedBefore ? startFailure(ZYN_E_NO_MEMORY).code : 0;
 }
 
-// By ZynChannel.
-constexpr TypeId messageTypes[] = {TypeId::ZynTransReq, TypeId::ZynTransRep, TypeId::ZynQueryReq, TypeId::ZynQueryRep};
-
 [[gnu::always_inline]] inline int32_t decodeEnvelope(ZynChannel channel, const uint8_t* buffer, uint32_t length,
                                                      void* envelope) {
     if (!begin()) return ZYN_E_NO_MEMORY;
@@ -113,7 +111,7 @@ constexpr TypeId messageTypes[] = {TypeId::ZynTransReq, TypeId::ZynTransRep, Typ
         tellWay(Way::Direct);
         return 0;
     }
-    return decodeExact(messageTypes[channel], buffer, length, envelope, outcome == direct::Outcome::NoMemory);
+    return decodeExact(envelopes[channel], buffer, length, envelope, outcome == direct::Outcome::NoMemory);
 }
 
 // The 12 characters that a request's sender gives, without the blanks at their end: what ZynTextStrSet makes of them.

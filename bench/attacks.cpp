@@ -18,7 +18,7 @@ template <typename Points> int32_t decodeEnvelope(const uint8_t* octets, uint32_
     return Points::decode(octets, length, &envelope);
 }
 
-Decode decodeOf(Channel channel) {
+Decode decodeOf(ZynChannel channel) {
     return onChannel(channel, []<typename Points>(Points) -> Decode { return decodeEnvelope<Points>; });
 }
 
@@ -89,7 +89,7 @@ Element* find(Elements& elements, uint8_t tag) {
 }
 
 // A message with all its fields, short ones, and one element in each list.
-Octets shortMessage(Channel channel, const Alternative& row, const Forms& forms) {
+Octets shortMessage(ZynChannel channel, const Alternative& row, const Forms& forms) {
     Octets octets;
     for (uint32_t seed = row.number; octets.empty(); ++seed) {
         Sampler sampler(seed, {100, 3, 1});
@@ -98,8 +98,8 @@ Octets shortMessage(Channel channel, const Alternative& row, const Forms& forms)
             AsnOcts userId;
             const void* choice;
         } request = {{2, reinterpret_cast<uint8_t*>(choice)}, choice};
-        const bool isReply = choiceType(channel) == envelopeType(channel);
-        octets = Writer(forms, seed).message(envelopeType(channel), isReply ? static_cast<void*>(choice) : &request);
+        const bool isReply = choiceType(channel) == envelopes[channel];
+        octets = Writer(forms, seed).message(envelopes[channel], isReply ? static_cast<void*>(choice) : &request);
         Elements message = parse(octets);
         const Element* list = find(message, 0x31);
         if (list && list->parts.size() < (list->indefinite ? 2u : 1u)) octets.clear(); // the sampler left it empty
@@ -108,7 +108,7 @@ Octets shortMessage(Channel channel, const Alternative& row, const Forms& forms)
 }
 
 // A message in which the first element with the tag is as large as the message is to be.
-Attack grown(std::string name, Channel channel, const Octets& shortOne, uint8_t tag,
+Attack grown(std::string name, ZynChannel channel, const Octets& shortOne, uint8_t tag,
              std::function<Octets(const Element&, std::size_t)> content) {
     return {name, decodeOf(channel), [=](std::size_t size) {
                 Elements message = parse(shortOne);
@@ -127,7 +127,7 @@ Octets repeatedElement(const Element& list, std::size_t size, const Octets& last
 }
 
 // Lists of the smallest elements, in all forms.
-void addLists(std::vector<Attack>& all, Channel channel, const Alternative& row) {
+void addLists(std::vector<Attack>& all, ZynChannel channel, const Alternative& row) {
     constexpr struct {
         const char* name;
         Forms forms;
@@ -150,7 +150,7 @@ void addLists(std::vector<Attack>& all, Channel channel, const Alternative& row)
     }
 }
 
-void addReals(std::vector<Attack>& all, Channel channel, const Octets& octets) {
+void addReals(std::vector<Attack>& all, ZynChannel channel, const Octets& octets) {
     const auto real = [&](const char* name, Octets front, uint8_t octet) {
         all.push_back(grown(std::string("REAL, ") + name, channel, octets, 0x09, [=](const Element&, std::size_t size) {
             return filled(size, front, {octet}, {}, {}, {});
@@ -162,7 +162,7 @@ void addReals(std::vector<Attack>& all, Channel channel, const Octets& octets) {
     real("exponent of 255 octets", {0x83, 0xFF}, 0x7F);
 }
 
-void addBits(std::vector<Attack>& all, Channel channel, const Octets& octets) {
+void addBits(std::vector<Attack>& all, ZynChannel channel, const Octets& octets) {
     const auto bits = [&](const char* name, Octets piece) {
         Elements message = parse(octets);
         find(message, 0x03)->tag[0] = 0x23; // in pieces
@@ -176,8 +176,7 @@ void addBits(std::vector<Attack>& all, Channel channel, const Octets& octets) {
 }
 
 template <typename Visit> void forEachAlternative(Visit&& visit) {
-    for (const Channel channel :
-         {Channel::TransRequest, Channel::QueryRequest, Channel::TransReply, Channel::QueryReply}) {
+    for (const ZynChannel channel : {ZYN_TRANS_REQUEST, ZYN_QUERY_REQUEST, ZYN_TRANS_REPLY, ZYN_QUERY_REPLY}) {
         for (const Alternative& row : typeOf(choiceType(channel)).alternatives) visit(channel, row);
     }
 }
@@ -195,7 +194,7 @@ std::vector<Attack> attacks() {
     std::vector<Attack> all;
     addTexts(all);
     bool reals = false, bits = false;
-    forEachAlternative([&](Channel channel, const Alternative& row) {
+    forEachAlternative([&](ZynChannel channel, const Alternative& row) {
         addLists(all, channel, row);
         const Octets octets = shortMessage(channel, row, {});
         Elements message = parse(octets);
@@ -220,7 +219,7 @@ std::vector<Claim> claims() {
             element.claimed.reset();
         });
     };
-    forEachAlternative([&](Channel channel, const Alternative& row) {
+    forEachAlternative([&](ZynChannel channel, const Alternative& row) {
         add(row.name, decodeOf(channel), shortMessage(channel, row, {}));
         add(std::string(row.name) + " in pieces", decodeOf(channel), shortMessage(channel, row, {.cutStrings = 100}));
     });

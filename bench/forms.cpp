@@ -109,7 +109,7 @@ struct Writer {
     Octets envelope(const Message& message) const {
         TreeMemory memory;
         const void* tree = envelopeOf(message, memory);
-        const TypeId type = envelopeType(message.channel);
+        const TypeId type = envelopes[message.channel];
         const Kind kind = typeOf(type).shape == Shape::Choice ? Kind::Choice : Kind::Sequence;
         return value(kind, type, sequenceTag, tree);
     }
@@ -126,7 +126,7 @@ Message inForm(const Message& message, const Form& form) {
         typename Points::Envelope received;
         const int32_t code = Points::decode(other.octets.data(), static_cast<uint32_t>(other.octets.size()), &received);
         if (code != 0) stop(other.name + ": cannot be decoded, code " + std::to_string(code));
-        if (!sameTree(Points::type, sent, &received)) stop(other.name + ": decodes to another tree");
+        if (!sameTree(envelopes[other.channel], sent, &received)) stop(other.name + ": decodes to another tree");
     });
     return other;
 }

@@ -63,8 +63,8 @@ void measure(ZynJson* json, const std::string& name, const std::vector<Traveller
     const double decoding = timeOf([&] {
         for (const Traveller& t : travellers) {
             alignas(std::max_align_t) char envelope[64];
-            ZynDecode(channelOf(t.message.channel), t.message.octets.data(),
-                      static_cast<uint32_t>(t.message.octets.size()), envelope);
+            ZynDecode(t.message.channel, t.message.octets.data(), static_cast<uint32_t>(t.message.octets.size()),
+                      envelope);
             ZynJsonWrite(json, t.type, envelope, &length);
         }
     });
@@ -77,7 +77,7 @@ int run() {
     TreeMemory memory;
     ZynJson* json = ZynJsonNew();
     const auto traveller = [&](const Message& message) {
-        const ZynType* type = ZynEnvelopeType(channelOf(message.channel));
+        const ZynType* type = ZynEnvelopeType(message.channel);
         const void* envelope = envelopeOf(message, memory);
         std::size_t length;
         const char* text = ZynJsonWrite(json, type, envelope, &length);

@@ -24,25 +24,25 @@ const void* envelopeOf(const Message& message, TreeMemory& memory) {
         return text;
     };
     switch (message.channel) {
-    case Channel::TransRequest: {
+    case ZYN_TRANS_REQUEST: {
         auto* choice = memory.of(ZynTransReqChoice{});
         choice->choiceId = message.choiceId;
         choice->slot = message.record;
         return memory.of(ZynTransReq{.userId = textOf(sender), .upTransMsg = choice});
     }
-    case Channel::QueryRequest: {
+    case ZYN_QUERY_REQUEST: {
         auto* choice = memory.of(ZynQueryReqChoice{});
         choice->choiceId = message.choiceId;
         choice->slot = message.record;
         return memory.of(ZynQueryReq{.userId = textOf(sender), .upQueryMsg = choice});
     }
-    case Channel::TransReply: {
+    case ZYN_TRANS_REPLY: {
         auto* reply = memory.of(ZynTransRep{});
         reply->choiceId = message.choiceId;
         reply->slot = message.record;
         return reply;
     }
-    case Channel::QueryReply: break;
+    case ZYN_QUERY_REPLY: break;
     }
     auto* reply = memory.of(ZynQueryRep{});
     reply->choiceId = message.choiceId;
@@ -50,7 +50,7 @@ const void* envelopeOf(const Message& message, TreeMemory& memory) {
     return reply;
 }
 
-std::vector<uint8_t> encode(Channel channel, uint32_t choiceId, void* record) {
+std::vector<uint8_t> encode(ZynChannel channel, uint32_t choiceId, void* record) {
     static std::vector<uint8_t> block(largestMessage);
     const uint32_t size = onChannel(channel, [&]<typename Points>(Points) {
         return Points::encode(record, choiceId, block.data(), static_cast<uint32_t>(block.size()));
@@ -65,7 +65,7 @@ int32_t decode(const Message& message) {
     });
 }
 
-Message makeMessage(std::string name, Channel channel, uint32_t choiceId, void* record) {
+Message makeMessage(std::string name, ZynChannel channel, uint32_t choiceId, void* record) {
     Message message{std::move(name), channel, choiceId, record, encode(channel, choiceId, record)};
     if (message.octets.empty()) stop(message.name + ": cannot be encoded");
     TreeMemory memory;
@@ -75,7 +75,7 @@ Message makeMessage(std::string name, Channel channel, uint32_t choiceId, void* 
         const int32_t code =
             Points::decode(message.octets.data(), static_cast<uint32_t>(message.octets.size()), &received);
         if (code != 0) stop(message.name + ": cannot be decoded, code " + std::to_string(code));
-        if (!sameTree(Points::type, sent, &received)) stop(message.name + ": decodes to another tree");
+        if (!sameTree(envelopes[message.channel], sent, &received)) stop(message.name + ": decodes to another tree");
     });
     return message;
 }

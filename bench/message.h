@@ -5,26 +5,15 @@
 #include <vector>
 
 #include "bench/tree.h"
+#include "records/tables.h"
 #include "zyn/describe.h"
 #include "zyn/messages.h"
 
 namespace zyn::bench {
 
-enum class Channel { TransRequest, QueryRequest, TransReply, QueryReply };
-
-constexpr ZynChannel channelOf(Channel channel) {
-    switch (channel) {
-    case Channel::TransRequest: return ZYN_TRANS_REQUEST;
-    case Channel::QueryRequest: return ZYN_QUERY_REQUEST;
-    case Channel::TransReply: return ZYN_TRANS_REPLY;
-    case Channel::QueryReply: break;
-    }
-    return ZYN_QUERY_REPLY;
-}
-
 struct Message {
     std::string name;
-    Channel channel;
+    ZynChannel channel;
     uint32_t choiceId;
     void* record;                // the alternative's, outside the arena; null where it is empty
     std::vector<uint8_t> octets; // what Encode makes of it
@@ -34,11 +23,10 @@ struct Message {
 inline constexpr char sender[] = "TRD0042     ";
 
 // The entry points of a channel under one name each. record gives the alternative's record of a decoded envelope.
-template <Channel> struct EntryPoints;
+template <ZynChannel> struct EntryPoints;
 
-template <> struct EntryPoints<Channel::TransRequest> {
+template <> struct EntryPoints<ZYN_TRANS_REQUEST> {
     using Envelope = ZynTransReq;
-    static constexpr TypeId type = TypeId::ZynTransReq;
     static constexpr auto decode = ZynTransRequestDecode;
     static constexpr auto print = PrintZynTransReq;
     static uint32_t encode(void* record, uint32_t choiceId, uint8_t* buffer, uint32_t size) {
@@ -48,9 +36,8 @@ template <> struct EntryPoints<Channel::TransRequest> {
     static uint32_t choiceId(const Envelope& envelope) { return envelope.upTransMsg->choiceId; }
 };
 
-template <> struct EntryPoints<Channel::QueryRequest> {
+template <> struct EntryPoints<ZYN_QUERY_REQUEST> {
     using Envelope = ZynQueryReq;
-    static constexpr TypeId type = TypeId::ZynQueryReq;
     static constexpr auto decode = ZynQueryRequestDecode;
     static constexpr auto print = PrintZynQueryReq;
     static uint32_t encode(void* record, uint32_t choiceId, uint8_t* buffer, uint32_t size) {
@@ -60,9 +47,8 @@ template <> struct EntryPoints<Channel::QueryRequest> {
     static uint32_t choiceId(const Envelope& envelope) { return envelope.upQueryMsg->choiceId; }
 };
 
-template <> struct EntryPoints<Channel::TransReply> {
+template <> struct EntryPoints<ZYN_TRANS_REPLY> {
     using Envelope = ZynTransRep;
-    static constexpr TypeId type = TypeId::ZynTransRep;
     static constexpr auto decode = ZynTransReplyDecode;
     static constexpr auto print = PrintZynTransRep;
     static constexpr auto encode = ZynTransReplyEncode;
@@ -70,9 +56,8 @@ template <> struct EntryPoints<Channel::TransReply> {
     static uint32_t choiceId(const Envelope& envelope) { return envelope.choiceId; }
 };
 
-template <> struct EntryPoints<Channel::QueryReply> {
+template <> struct EntryPoints<ZYN_QUERY_REPLY> {
     using Envelope = ZynQueryRep;
-    static constexpr TypeId type = TypeId::ZynQueryRep;
     static constexpr auto decode = ZynQueryReplyDecode;
     static constexpr auto print = PrintZynQueryRep;
     static constexpr auto encode = ZynQueryReplyEncode;
@@ -81,27 +66,23 @@ template <> struct EntryPoints<Channel::QueryReply> {
 };
 
 // Calls what with the entry points of the channel: onChannel(c, []<typename Points>(Points) { ... }).
-template <typename What> decltype(auto) onChannel(Channel channel, What&& what) {
+template <typename What> decltype(auto) onChannel(ZynChannel channel, What&& what) {
     switch (channel) {
-    case Channel::TransRequest: return what(EntryPoints<Channel::TransRequest>{});
-    case Channel::QueryRequest: return what(EntryPoints<Channel::QueryRequest>{});
-    case Channel::TransReply: return what(EntryPoints<Channel::TransReply>{});
-    case Channel::QueryReply: break;
+    case ZYN_TRANS_REQUEST: return what(EntryPoints<ZYN_TRANS_REQUEST>{});
+    case ZYN_QUERY_REQUEST: return what(EntryPoints<ZYN_QUERY_REQUEST>{});
+    case ZYN_TRANS_REPLY: return what(EntryPoints<ZYN_TRANS_REPLY>{});
+    case ZYN_QUERY_REPLY: break;
     }
-    return what(EntryPoints<Channel::QueryReply>{});
-}
-
-inline TypeId envelopeType(Channel channel) {
-    return onChannel(channel, []<typename Points>(Points) { return Points::type; });
+    return what(EntryPoints<ZYN_QUERY_REPLY>{});
 }
 
 // The CHOICE that tells the messages of a channel apart: the envelope itself or what it holds.
-constexpr TypeId choiceType(Channel channel) {
+constexpr TypeId choiceType(ZynChannel channel) {
     switch (channel) {
-    case Channel::TransRequest: return TypeId::ZynTransReqChoice;
-    case Channel::QueryRequest: return TypeId::ZynQueryReqChoice;
-    case Channel::TransReply: return TypeId::ZynTransRep;
-    case Channel::QueryReply: break;
+    case ZYN_TRANS_REQUEST: return TypeId::ZynTransReqChoice;
+    case ZYN_QUERY_REQUEST: return TypeId::ZynQueryReqChoice;
+    case ZYN_TRANS_REPLY: return TypeId::ZynTransRep;
+    case ZYN_QUERY_REPLY: break;
     }
     return TypeId::ZynQueryRep;
 }
@@ -110,11 +91,11 @@ constexpr TypeId choiceType(Channel channel) {
 const void* envelopeOf(const Message& message, TreeMemory& memory);
 
 // Encode and decode through the entry points. decode gives the result code and leaves the tree in the arena.
-std::vector<uint8_t> encode(Channel channel, uint32_t choiceId, void* record);
+std::vector<uint8_t> encode(ZynChannel channel, uint32_t choiceId, void* record);
 int32_t decode(const Message& message);
 
 // makeMessage encodes the record and stops the program unless the octets decode to the same tree.
-Message makeMessage(std::string name, Channel channel, uint32_t choiceId, void* record);
+Message makeMessage(std::string name, ZynChannel channel, uint32_t choiceId, void* record);
 
 // A logon, an order, an amendment, a reply, a security board report, an order book and a trade report.
 std::vector<Message> sevenMessages(TreeMemory& memory);

@@ -12,12 +12,12 @@ namespace {
 
 constexpr unsigned seed = 20260317;
 
-using Key = std::pair<Channel, uint32_t>;
+using Key = std::pair<ZynChannel, uint32_t>;
 
-const std::map<std::string, Channel> channels = {{"trans-request", Channel::TransRequest},
-                                                 {"query-request", Channel::QueryRequest},
-                                                 {"trans-reply", Channel::TransReply},
-                                                 {"query-reply", Channel::QueryReply}};
+const std::map<std::string, ZynChannel> channels = {{"trans-request", ZYN_TRANS_REQUEST},
+                                                    {"query-request", ZYN_QUERY_REQUEST},
+                                                    {"trans-reply", ZYN_TRANS_REPLY},
+                                                    {"query-reply", ZYN_QUERY_REPLY}};
 
 void* emptyRecord(TypeId type, TreeMemory& memory) { return memory.take(typeOf(type).size); }
 
@@ -51,7 +51,7 @@ Message readMessage(const std::filesystem::path& path, TreeMemory& memory) {
     });
 }
 
-Message randomMessage(Channel channel, const Alternative& alternative, TreeMemory& memory) {
+Message randomMessage(ZynChannel channel, const Alternative& alternative, TreeMemory& memory) {
     std::mt19937 random(seed + alternative.number);
     void* record = emptyRecord(alternative.type, memory);
     randomTree(alternative.type, record, random, memory);

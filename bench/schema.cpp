@@ -46,7 +46,7 @@ Reach reachOfTheSeven() {
     Reach reach;
     for (const Message& message : sevenMessages(memory)) {
         reach.measured.insert({choiceType(message.channel), static_cast<uint16_t>(message.choiceId)});
-        const TypeId root = envelopeType(message.channel);
+        const TypeId root = envelopes[message.channel];
         if (std::find(reach.roots.begin(), reach.roots.end(), root) == reach.roots.end()) reach.roots.push_back(root);
     }
     for (TypeId root : reach.roots) reach.add(root);

@@ -38,7 +38,7 @@ struct Maker {
 Message logon(Maker make) {
     auto* logon =
         make.memory.of(ZynUserLogon{.loginPassword = text("correct horse"), .reconnectionFlag = make.flag(false)});
-    return makeMessage("logon", Channel::TransRequest, 455, logon);
+    return makeMessage("logon", ZYN_TRANS_REQUEST, 455, logon);
 }
 
 Message order(Maker make) {
@@ -60,7 +60,7 @@ Message order(Maker make) {
     entry->allowSoftPriceLimit = make.flag(true);
     entry->positionType = make.number(1);
     entry->isPrivate = make.flag(false);
-    return makeMessage("order", Channel::TransRequest, 426, make.memory.of(ZynOrder{.order = entry}));
+    return makeMessage("order", ZYN_TRANS_REQUEST, 426, make.memory.of(ZynOrder{.order = entry}));
 }
 
 Message amendment(Maker make) {
@@ -71,7 +71,7 @@ Message amendment(Maker make) {
     amend->visibleQuantity = make.number(1'000);
     amend->duration = 6;
     amend->brokerRef = text("S-88");
-    return makeMessage("amendment", Channel::TransRequest, 427, amend);
+    return makeMessage("amendment", ZYN_TRANS_REQUEST, 427, amend);
 }
 
 Message goodReply(Maker make) {
@@ -79,7 +79,7 @@ Message goodReply(Maker make) {
     reply->infoMessage = text("Order entered");
     reply->extraInfo = text("2026031700421");
     reply->replyHint = make.number(1);
-    return makeMessage("reply", Channel::TransReply, 18, reply);
+    return makeMessage("reply", ZYN_TRANS_REPLY, 18, reply);
 }
 
 // A session's figures of a traded share: those of a bond, an option and an auction are absent.
@@ -133,7 +133,7 @@ Message boardReport(Maker make) {
     report->seqContext = make.context(48'211, 1);
     report->secBoardId = make.secBoardId();
     report->dynamics = boardFigures(make);
-    return makeMessage("board", Channel::QueryReply, 294, report);
+    return makeMessage("board", ZYN_QUERY_REPLY, 294, report);
 }
 
 AsnList* pricePoints(Maker make, double first, AsnInt orders) {
@@ -156,7 +156,7 @@ Message orderBook(Maker make) {
     book->bidList = pricePoints(make, 100.91, 3);
     book->offerList = pricePoints(make, 101.41, 130);
     book->numOtherOpenOrders = 61;
-    return makeMessage("book", Channel::QueryReply, 288, book);
+    return makeMessage("book", ZYN_QUERY_REPLY, 288, book);
 }
 
 Message tradeReport(Maker make) {
@@ -184,7 +184,7 @@ Message tradeReport(Maker make) {
     report->tradeId = make.memory.of(ZynTradeId{.tradeNo = text("900317001306"), .speedIndex = make.number(4)});
     report->statics = statics;
     report->dynamics = make.memory.of(ZynTradeRepDynamic{.status = 1, .amendTime = nullptr});
-    return makeMessage("trade", Channel::QueryReply, 303, report);
+    return makeMessage("trade", ZYN_QUERY_REPLY, 303, report);
 }
 
 } // namespace

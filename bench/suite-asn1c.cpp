@@ -25,12 +25,12 @@ constexpr const char* who = "asn1c";
 
 uint8_t buffer[65536];
 
-asn_TYPE_descriptor_t& descriptorOf(Channel channel) {
+asn_TYPE_descriptor_t& descriptorOf(ZynChannel channel) {
     switch (channel) {
-    case Channel::TransRequest: return asn_DEF_ZynTransReq;
-    case Channel::QueryRequest: return asn_DEF_ZynQueryReq;
-    case Channel::TransReply: return asn_DEF_ZynTransRep;
-    case Channel::QueryReply: break;
+    case ZYN_TRANS_REQUEST: return asn_DEF_ZynTransReq;
+    case ZYN_QUERY_REQUEST: return asn_DEF_ZynQueryReq;
+    case ZYN_TRANS_REPLY: return asn_DEF_ZynTransRep;
+    case ZYN_QUERY_REPLY: break;
     }
     return asn_DEF_ZynQueryRep;
 }
@@ -118,7 +118,7 @@ void* decoded(const Message& message) {
 void prove(const Message& message, const void* tree) {
     asn_TYPE_descriptor_t& descriptor = descriptorOf(message.channel);
     void* structure = decoded(message);
-    if (!structure || !same(envelopeType(message.channel), tree, descriptor, structure)) {
+    if (!structure || !same(envelopes[message.channel], tree, descriptor, structure)) {
         stop(std::string(who) + " does not decode " + message.name);
     }
     // It writes DER: sorted lists, and a REAL with an odd mantissa. What counts is what the octets mean.
@@ -127,7 +127,7 @@ void prove(const Message& message, const void* tree) {
     onChannel(message.channel, [&]<typename Points>(Points) {
         typename Points::Envelope envelope;
         if (size.encoded <= 0 || Points::decode(buffer, static_cast<uint32_t>(size.encoded), &envelope) != 0 ||
-            !sameTree(Points::type, tree, &envelope, ListOrder::any)) {
+            !sameTree(envelopes[message.channel], tree, &envelope, ListOrder::any)) {
             stop(std::string(who) + " does not encode " + message.name);
         }
     });

@@ -163,7 +163,7 @@ template <typename Root, typename Envelope> void addMessage(const Message& messa
     builder.Finish(Root::Pack(builder, object));
     const std::vector<uint8_t> octets(builder.GetBufferPointer(), builder.GetBufferPointer() + builder.GetSize());
 
-    Comparer comparer{&typeOf(envelopeType(message.channel)), tree};
+    Comparer comparer{&typeOf(envelopes[message.channel]), tree};
     const Root* root = verified<Root>(octets.data(), octets.size());
     if (root) visit(*root, comparer);
     if (!root || !comparer.same) stop(std::string(who) + " loses " + message.name);
@@ -189,10 +189,10 @@ template <typename Root, typename Envelope> void addMessage(const Message& messa
 void addAll(const Traffic& traffic) {
     for (const Message& message : traffic.seven) {
         switch (message.channel) {
-        case Channel::TransRequest: addMessage<fb::ZynTransReq, ZynTransReq>(message); break;
-        case Channel::TransReply: addMessage<fb::ZynTransRep, ZynTransRep>(message); break;
-        case Channel::QueryReply: addMessage<fb::ZynQueryRep, ZynQueryRep>(message); break;
-        case Channel::QueryRequest: stop(message.name + ": the schema has no such message");
+        case ZYN_TRANS_REQUEST: addMessage<fb::ZynTransReq, ZynTransReq>(message); break;
+        case ZYN_TRANS_REPLY: addMessage<fb::ZynTransRep, ZynTransRep>(message); break;
+        case ZYN_QUERY_REPLY: addMessage<fb::ZynQueryRep, ZynQueryRep>(message); break;
+        case ZYN_QUERY_REQUEST: stop(message.name + ": the schema has no such message");
         }
     }
 }

@@ -30,7 +30,7 @@ template <typename Floor> void proveOne(const Message& message) {
     TreeMemory memory;
     typename Floor::Envelope envelope;
     if (!Floor::decode(message.octets.data(), message.octets.size(), &envelope) ||
-        !sameTree(envelopeType(message.channel), envelopeOf(message, memory), &envelope)) {
+        !sameTree(envelopes[message.channel], envelopeOf(message, memory), &envelope)) {
         stop("the floor does not decode " + message.name);
     }
     for (std::size_t size = 0; size < message.octets.size(); ++size) {

@@ -131,7 +131,7 @@ bool same(const Type& type, const void* record, const PbMessage& from) {
 template <typename Envelope> void addMessage(const Message& message) {
     TreeMemory memory;
     const void* tree = envelopeOf(message, memory);
-    const Type& type = typeOf(envelopeType(message.channel));
+    const Type& type = typeOf(envelopes[message.channel]);
     auto* sent = new Envelope; // for the encode loop
     fill(type, tree, *sent);
     const std::string octets = sent->SerializeAsString();
@@ -155,10 +155,10 @@ template <typename Envelope> void addMessage(const Message& message) {
 void addAll(const Traffic& traffic) {
     for (const Message& message : traffic.seven) {
         switch (message.channel) {
-        case Channel::TransRequest: addMessage<pb::ZynTransReq>(message); break;
-        case Channel::TransReply: addMessage<pb::ZynTransRep>(message); break;
-        case Channel::QueryReply: addMessage<pb::ZynQueryRep>(message); break;
-        case Channel::QueryRequest: stop(message.name + ": the schema has no such message");
+        case ZYN_TRANS_REQUEST: addMessage<pb::ZynTransReq>(message); break;
+        case ZYN_TRANS_REPLY: addMessage<pb::ZynTransRep>(message); break;
+        case ZYN_QUERY_REPLY: addMessage<pb::ZynQueryRep>(message); break;
+        case ZYN_QUERY_REQUEST: stop(message.name + ": the schema has no such message");
         }
     }
 }

@@ -134,7 +134,7 @@ void addMixed(const std::vector<Message>& mixed) {
     for (const Message& message : mixed) block.insert(block.end(), message.octets.begin(), message.octets.end());
     const uint8_t* next = block.data();
     for (const Message& message : mixed) {
-        const ZynChannel channel = channelOf(message.channel);
+        const ZynChannel channel = message.channel;
         onChannel(message.channel, [&]<typename Points>(Points) {
             entryPoints[channel] = decodeArrival<Points>;
             departures.push_back({encodeDeparture<Points>, message.record, message.choiceId});

@@ -147,9 +147,6 @@ constexpr auto byName = [] {
     return index;
 }();
 
-constexpr TypeId envelopes[ZYN_CHANNELS] = {TypeId::ZynTransReq, TypeId::ZynTransRep, TypeId::ZynQueryReq,
-                                            TypeId::ZynQueryRep};
-
 template <typename Row> const Row* named(const Row* rows, std::size_t count, std::string_view name) {
     const Row* found = std::find_if(rows, rows + count, [&](const Row& row) { return row.name == name; });
     return found == rows + count ? nullptr : found;

@@ -25,6 +25,16 @@ constexpr bool isLikeRequest(TypeId id) {
 static_assert(isLikeRequest(TypeId::ZynTransReq) && isLikeRequest(TypeId::ZynQueryReq));
 static_assert(sizeof(ZynTransRep) == sizeof(ChoiceRecord) && sizeof(ZynQueryRep) == sizeof(ChoiceRecord));
 
+// Ends a decode: the arena's cursor is put behind all that was taken. The caller's message is written when all has succeeded
+// and not before.
+template <typename Record>
+Outcome finish(bool done, uint8_t* free, const Source& source, const Record& record, void* message) {
+    currentArena()->currNibbleBuf->curr = free;
+    if (!done) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
+    std::memcpy(message, &record, sizeof record);
+    return Outcome::Done;
+}
+
 } // namespace
 
 // Gives up on a userId of more than 127 octets, too.
@@ -52,10 +62,7 @@ Outcome decodeRequest(ZynChannel channel, const uint8_t* buffer, std::size_t len
     } else {
         walk.failed();
     }
-    currentArena()->currNibbleBuf->curr = walk.free;
-    if (walk.left != 0) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
-    std::memcpy(message, &record, sizeof record);
-    return Outcome::Done;
+    return finish(walk.left == 0, walk.free, source, record, message);
 }
 
 Outcome decodeReply(ZynChannel channel, const uint8_t* buffer, std::size_t length, void* message) {
@@ -65,10 +72,7 @@ Outcome decodeReply(ZynChannel channel, const uint8_t* buffer, std::size_t lengt
     Source source{buffer, block->end};
     ChoiceRecord record = {};
     const Cursor at = decodeChosen(chosen, {buffer, block->curr}, length, &record, source);
-    currentArena()->currNibbleBuf->curr = at.free;
-    if (!at.p) return source.refused ? Outcome::NoMemory : Outcome::GaveUp;
-    std::memcpy(message, &record, sizeof record);
-    return Outcome::Done;
+    return finish(at.p != nullptr, at.free, source, record, message);
 }
 
 } // namespace zyn::direct

@@ -81,6 +81,10 @@ inline constexpr std::array<Type, typeCount> types = assembleTypes();
 
 constexpr const Type& typeOf(TypeId id) { return types[static_cast<std::size_t>(id)]; }
 
+// The envelopes, by ZynChannel.
+inline constexpr TypeId envelopes[] = {TypeId::ZynTransReq, TypeId::ZynTransRep, TypeId::ZynQueryReq,
+                                       TypeId::ZynQueryRep};
+
 // Whether an alternative's record has no fields, so that its slot is not read.
 constexpr bool isEmpty(const Alternative& row) { return row.kind == Kind::Sequence && typeOf(row.type).fields.empty(); }
 

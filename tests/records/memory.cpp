@@ -21,16 +21,6 @@ constexpr double promisedOnce = 10'240;     // bytes of arena beside them
 constexpr double promisedStringTables = 24; // bytes for each octet of the largest message so far
 constexpr double promisedStringTablesOnce = 4'096;
 
-// The direct way alone, given up or not.
-direct::Outcome decodeDirectly(TypeId message, const Octets& octets, void* record) {
-    switch (message) {
-    case TypeId::ZynTransReq: return direct::decode(ZYN_TRANS_REQUEST, octets.data(), octets.size(), record);
-    case TypeId::ZynQueryReq: return direct::decode(ZYN_QUERY_REQUEST, octets.data(), octets.size(), record);
-    case TypeId::ZynTransRep: return direct::decode(ZYN_TRANS_REPLY, octets.data(), octets.size(), record);
-    default: return direct::decode(ZYN_QUERY_REPLY, octets.data(), octets.size(), record);
-    }
-}
-
 class Memory : public testing::Test {
 protected:
     Memory() {
@@ -46,7 +36,7 @@ protected:
     std::size_t held(const Channel& channel, const Octets& octets) {
         alignas(8) uint8_t record[64];
         ResetNibbleMem();
-        decodeDirectly(channel.message, octets, record);
+        direct::decode(channel.number, octets.data(), octets.size(), record); // given up or not
         const std::size_t directly = heldByArena(nmG);
         code = channel.decode(octets.data(), static_cast<uint32_t>(octets.size()), record);
         return std::max(directly, heldByArena(nmG));

@@ -50,9 +50,10 @@ const AsnListNode* walkedTo(const AsnList* list, const AsnListNode* before) {
 }
 
 template <typename Message, auto decodeMessage, auto printMessage>
-Channel channel(const char* name, TypeId message, TypeId choice, decltype(Channel::encode) encode) {
-    return {name,
-            message,
+Channel channel(ZynChannel number, const char* name, TypeId choice, decltype(Channel::encode) encode) {
+    return {number,
+            name,
+            envelopes[number],
             choice,
             [](const uint8_t* octets, uint32_t length, void* to) {
                 return decodeMessage(octets, length, static_cast<Message*>(to));
@@ -69,14 +70,14 @@ uint32_t encodeReply(const char*, void* record, uint32_t choiceId, uint8_t* bloc
 } // namespace
 
 const Channel channels[4] = {
-    channel<ZynTransReq, ZynTransRequestDecode, ZynTransRequestPrint>("trans-request", TypeId::ZynTransReq,
+    channel<ZynTransReq, ZynTransRequestDecode, ZynTransRequestPrint>(ZYN_TRANS_REQUEST, "trans-request",
                                                                       TypeId::ZynTransReqChoice, ZynTransRequestEncode),
-    channel<ZynQueryReq, ZynQueryRequestDecode, ZynQueryRequestPrint>("query-request", TypeId::ZynQueryReq,
+    channel<ZynQueryReq, ZynQueryRequestDecode, ZynQueryRequestPrint>(ZYN_QUERY_REQUEST, "query-request",
                                                                       TypeId::ZynQueryReqChoice, ZynQueryRequestEncode),
-    channel<ZynTransRep, ZynTransReplyDecode, ZynTransReplyPrint>(
-        "trans-reply", TypeId::ZynTransRep, TypeId::ZynTransRep, encodeReply<ZynTransReplyEncode>),
-    channel<ZynQueryRep, ZynQueryReplyDecode, ZynQueryReplyPrint>(
-        "query-reply", TypeId::ZynQueryRep, TypeId::ZynQueryRep, encodeReply<ZynQueryReplyEncode>),
+    channel<ZynTransRep, ZynTransReplyDecode, ZynTransReplyPrint>(ZYN_TRANS_REPLY, "trans-reply", TypeId::ZynTransRep,
+                                                                  encodeReply<ZynTransReplyEncode>),
+    channel<ZynQueryRep, ZynQueryReplyDecode, ZynQueryReplyPrint>(ZYN_QUERY_REPLY, "query-reply", TypeId::ZynQueryRep,
+                                                                  encodeReply<ZynQueryReplyEncode>),
 };
 
 const Channel& channelOf(TypeId message) {

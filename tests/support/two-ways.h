@@ -12,6 +12,7 @@ namespace zyn::test {
 
 // One kind of message: its types and its entry points in one form for all four.
 struct Channel {
+    ZynChannel number;
     const char* name;
     TypeId message;
     TypeId choice; // the same as message on a reply
