@@ -108,7 +108,7 @@ bool accepts(const Field& field, AsnTag tag) {
     case Kind::Bits: BDecAsnBitsContent(d.b, tag, length, static_cast<AsnBits*>(value), &count, d.env); break;
     case Kind::Sequence: return decodeSequence(d, typeOf(type), length, value);
     case Kind::SetOf: return decodeSetOf(d, typeOf(type), length, static_cast<AsnList*>(value));
-    case Kind::Choice: return decodeChoice(d, typeOf(type), tag, length, static_cast<ChoiceRecord*>(value));
+    default: return decodeChoice(d, typeOf(type), tag, length, static_cast<ChoiceRecord*>(value));
     }
     return count;
 }
@@ -179,7 +179,7 @@ bool atEndOfContents(Decoder& d, Step& step, AsnTag tag, AsnLen length, AsnLen& 
         if (mayEnd) {
             const bool last = i + 1 == fields;
             if (last && length == IndefiniteLen) return count + decodeRecordEnd(d, step);
-            if (count == length && length != IndefiniteLen) return count;
+            if (length != IndefiniteLen && count == length) return count;
             if (last) refuseLength(d, step, type, length);
         }
         startElement(d, step, i + 1);
