@@ -68,8 +68,7 @@ void raise(jmp_buf env, int32_t code, const char* message) {
     keep(code);
     if (message) {
         MessageText& copy = currentMessage();
-        copy = {};
-        std::strncpy(copy.text, message, sizeof copy.text - 1);
+        std::strncpy(copy.text, message, sizeof copy.text - 1); // fills up with 0
         Asn1Error(copy.text);
     }
     std::longjmp(env, code);

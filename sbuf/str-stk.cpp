@@ -100,7 +100,6 @@ unsigned gatherPieces(SBuf* b, AsnLen length, const ComponentRules& rules, AsnLe
                 tables.open[depth++] = {length, count};
                 length = componentLength;
                 count = 0;
-                continue;
             }
             ended = length != IndefiniteLen && count >= length;
         }

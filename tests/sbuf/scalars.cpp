@@ -13,6 +13,7 @@ template <typename Decode> std::string outcome(const char* octets, Decode decode
     AsnLen counted = 0;
     long long value = 0;
     const Caught result = caught([&](jmp_buf env) { value = decode(&b, &counted, env); });
+    EXPECT_EQ(b.readError, b.readError != 0) << "a flag is 0 or 1";
     if (result.code != 0)
         return std::to_string(result.code) + " " + (result.messages.empty() ? "" : result.messages[0]);
     return std::to_string(value) + " counted " + std::to_string(counted) + " at " +

@@ -71,7 +71,7 @@ inline Octets encodedContent(TypeId type, const void* value, std::size_t room = 
     SBuf b = writingBuffer(block.data(), room);
     const AsnLen length = encodeContent(&b, type, value);
     Octets octets(b.dataStart, b.dataEnd);
-    return b.writeError || octets.size() != length ? notEncoded : octets;
+    return b.writeError == 1 || octets.size() != length ? notEncoded : octets;
 }
 
 } // namespace zyn::test
