@@ -116,6 +116,16 @@ TEST_F(Printing, RequiredPointersThatWereNeverSet) {
     }
 }
 
+// A first text of every length round a third of the text's buffer moves its end to each of the characters behind.
+TEST_F(Printing, TextThatEndsWithItsBuffer) {
+    std::vector<uint8_t> text(1400, 'x');
+    AsnInt hint = 3;
+    for (uint32_t length = 1300; length <= text.size(); ++length) {
+        ZynReplyBad bad{{length, text.data()}, &hint};
+        expectPrinted(typeOf(TypeId::ZynReplyBad), &bad);
+    }
+}
+
 // What the other tests compare with, by hand once for each shape.
 TEST_F(Printing, WorkedExamples) {
     uint8_t no[] = {'n', 'o'};
