@@ -66,7 +66,8 @@ void BDecAsnOctsContent(SBuf* b, AsnTag tagId, AsnLen len, AsnOcts* result, AsnL
     }
     if (b->readError) zyn::raise(env, ZYN_E_OCTS_CUT, "BDecOctetString: ERROR - decoded past end of data\n");
     result->octs = allocateOctets(len, env);
-    if (len > 0) std::memcpy(result->octs, SBufTakeSeg(b, &len), len);
+    const uint8_t* octets = SBufTakeSeg(b, &len); // all of them, as has been seen
+    if (len > 0) std::memcpy(result->octs, octets, len);
     *bytesDecoded += len;
 }
 
