@@ -19,8 +19,8 @@ void decodePrintEncode(TypeId id, Octets octets, NibbleMem* second) {
     expect(first.code <= 0, "a code above 0");
     if (first.code != 0) return;
     printed(id, first.value);
-    const bool sendable = makeReturning(id, first.value);
     const Octets sent = encodedContent(id, first.value, 4 * octets.size() + 1024);
+    const bool sendable = makeReturning(id, first.value);
     expect(sendable == (sent != notEncoded),
            sendable ? "not encoded" : "encoded, with a REAL that has no form on the wire");
     if (!sendable) return;
@@ -33,7 +33,9 @@ void decodePrintEncode(TypeId id, Octets octets, NibbleMem* second) {
     expect(returned.read == content.size(), "not all octets counted");
     const std::string found = difference(id, first.value, returned.value);
     expect(found.empty(), "not the same when encoded and decoded again: " + found);
-    expect(encodedContent(id, returned.value, sent.size()) == sent, "encoded twice, the octets are not the same");
+    // Not those sent, if a REAL does not come back: minus zero is written as zero.
+    expect(encodedContent(id, returned.value, sent.size()) == encodedContent(id, first.value, sent.size()),
+           "encoded twice, the octets are not the same");
     nmG = arena;
 }
 
